@@ -1,0 +1,21 @@
+// The lines by which objects tell the log that they come and go.
+#pragma once
+
+#include "zovLog.h"
+#include "zovString.h"
+
+namespace zov::metamodel {
+
+// A place in the source that writes life lines: the logger has the name of the function.
+struct lifeLineSite {
+    zovlog::eLogLevel level;
+    char const* function;
+    char const* file;
+    long line;
+};
+
+// Writes one line: `format` with `name` for its %s, if it has one. Nothing is formatted while the level is off.
+// Fails "m_p != NULL" when there is no logger.
+void writeLifeLine(lifeLineSite const& site, wchar_t const* format, string const& name = {});
+
+} // namespace zov::metamodel

@@ -1,0 +1,37 @@
+// What a field holds. Members that may change beside readers are atomic, or shared slots.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+
+#include "zovGenericSet.h"
+#include "zovMdlClassInfo.h"
+#include "zovMdlFieldInfo.h"
+
+namespace zov::metamodel {
+
+struct fieldData {
+    fieldData(refPtr<classInfo> owner, refPtr<fieldInfo> baseField, scString name, eFieldType type,
+              scString customTypeString, genericSet const& typeAttribs)
+        : mClassInfo(std::move(owner)), mBaseField(std::move(baseField)), mName(name), mType(type),
+          mCustomTypeString(customTypeString), mTypeAttribs(typeAttribs) {}
+
+    refPtr<classInfo> mClassInfo; // shared slot
+    refPtr<fieldInfo> const mBaseField;
+    scString const mName; // empty in an inheriting field
+    string mLabel;
+    string mUnit;
+    std::atomic<eFieldType> mType;
+    std::atomic<scString> mCustomTypeString;
+    genericSet mTypeAttribs;
+    std::atomic<std::int32_t> mFlags{0};
+    std::atomic<eFieldSemantics> mSemantic{eSemNone};
+    std::atomic<scString> mCustomSemanticString{scString()};
+    genericSet mSemanticAttribs;
+    genericSet mDefinitions; // "Alias": never a list that anyone finds
+};
+
+// The bits of mFlags that belong to a field itself.
+enum eFieldFlag : std::int32_t { eFlagMandatory = 1, eFlagUnique = 2 };
+
+} // namespace zov::metamodel

@@ -1,0 +1,179 @@
+#include "zovMdlModelInfo.h"
+
+#include "base/allocation.h"
+#include "base/lifeLine.h"
+#include "base/nameKey.h"
+#include "base/scopeExit.h"
+#include "base/sources.h"
+#include "data/modelRegistry.h"
+#include "zovMdlFieldInfo.h"
+
+namespace zov::metamodel {
+
+namespace {
+
+constexpr wchar_t const* caseRuleKey = L"caseSensitiveNames";
+
+bool readCaseRule(genericSet const& properties) {
+    bool caseSensitive = false;
+    properties.getValue(caseRuleKey, caseSensitive);
+    return caseSensitive;
+}
+
+refPtr<classInfo> findByAlias(classMap const& classes, scString alias) {
+    for (auto const& [name, candidate] : classes) {
+        if (candidate->hasAliasname(alias)) return candidate;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+// ---- life
+
+refPtr<modelInfo> modelInfo::createModelInfo(bool caseSensitiveNames) {
+    return emptyWithoutMemory([&] { return refPtr<modelInfo>(new modelInfo(caseSensitiveNames)); });
+}
+
+modelInfo::modelInfo(bool caseSensitiveNames) : mRegistry(new modelRegistry) {
+    writeLifeLine({zovlog::eLogTrace, "zov::metamodel::modelInfo::modelInfo", sources::modelInfo, __LINE__},
+                  L"modelInfo created");
+    mProperties.setValue(caseRuleKey, caseSensitiveNames, false);
+    mRegistry->mCaseSensitiveNames = caseSensitiveNames;
+}
+
+modelInfo::~modelInfo() = default;
+
+void modelInfo::destroy() {
+    scopeExit const freed([this] { delete this; });
+    writeLifeLine({zovlog::eLogTrace, "zov::metamodel::modelInfo::~modelInfo", sources::modelInfo, __LINE__},
+                  L"modelInfo released");
+}
+
+std::uint32_t modelInfo::refCount() const {
+    return currentCount();
+}
+std::uint32_t modelInfo::addRef() {
+    return refObj::addRef();
+}
+std::uint32_t modelInfo::release() {
+    return refObj::release();
+}
+
+void modelInfo::tearDown() noexcept {
+    auto const classes = mRegistry->mClasses.clear(heldMutex(mRegistry->mMutex));
+    if (!classes) return;
+    for (auto const& [name, torn] : *classes)
+        torn->tearDown();
+}
+
+// ---- classes
+
+refPtr<classInfo> modelInfo::classInfo(string const& name, bool searchAliases) {
+    return findClass(name, searchAliases);
+}
+
+const_refPtr<classInfo> modelInfo::classInfo(string const& name, bool searchAliases) const {
+    return findClass(name, searchAliases);
+}
+
+refPtr<classInfo> modelInfo::findClass(std::wstring_view name, bool searchAliases) const {
+    // KEEP MR-07: classes are filed under lower-case names always, so that with case-sensitive names a class with
+    // capitals is not found by its own spelling.
+    auto const key = lookupKey(name, mRegistry->mCaseSensitiveNames);
+    auto const classes = mRegistry->mClasses.snapshot();
+    if (!key || !classes) return nullptr;
+    auto const found = classes->find(*key);
+    if (found != classes->end()) return found->second;
+    return searchAliases ? findByAlias(*classes, *key) : nullptr;
+}
+
+refPtr<classInfo> modelInfo::createClassInfo(string const& name, acceptFunction const& accept) {
+    heldMutex const held(mRegistry->mMutex);
+    if (findClass(name, false)) throw false;
+    return createAndPublish(name, accept);
+}
+
+refPtr<classInfo> modelInfo::getOrCreateClassInfo(string const& name, acceptFunction const& accept) {
+    heldMutex const held(mRegistry->mMutex);
+    if (auto known = findClass(name, false)) return known;
+    return createAndPublish(name, accept);
+}
+
+// Under the model's mutex, which accept may take again.
+refPtr<classInfo> modelInfo::createAndPublish(string const& name, acceptFunction const& accept) {
+    heldMutex const held(mRegistry->mMutex);
+    auto const added = falseWithoutMemory(
+        [&] { return refPtr<metamodel::classInfo>(new metamodel::classInfo(name, mRegistry->mCaseSensitiveNames)); });
+    scopeExit letGo([&] { added->tearDown(); });
+    if (accept && !accept(added)) return nullptr;
+    falseWithoutMemory(
+        [&] { mRegistry->mClasses.publish(held, [&](classMap& classes) { classes[added->scName()] = added; }); });
+    letGo.callOff();
+    return added;
+}
+
+bool modelInfo::forEachClassInfo(std::function<bool(metamodel::classInfo::entry const&)> const& visit,
+                                 bool stopOnFalse) const {
+    return walk(mRegistry->mClasses.snapshot(), stopOnFalse, visit);
+}
+
+std::size_t modelInfo::countClasses() const {
+    auto const classes = mRegistry->mClasses.snapshot();
+    return classes ? classes->size() : 0;
+}
+
+// ---- fields
+
+refPtr<fieldInfo> modelInfo::fieldInfo(string const& className, string const& fieldName, bool searchAliases) {
+    return findField(className, fieldName, searchAliases);
+}
+
+const_refPtr<fieldInfo> modelInfo::fieldInfo(string const& className, string const& fieldName,
+                                             bool searchAliases) const {
+    return findField(className, fieldName, searchAliases);
+}
+
+refPtr<fieldInfo> modelInfo::fieldInfo(string const& qualifiedName, bool searchAliases) {
+    return findQualifiedField(qualifiedName, searchAliases);
+}
+
+const_refPtr<fieldInfo> modelInfo::fieldInfo(string const& qualifiedName, bool searchAliases) const {
+    return findQualifiedField(qualifiedName, searchAliases);
+}
+
+refPtr<fieldInfo> modelInfo::findField(std::wstring_view className, std::wstring_view fieldName,
+                                       bool searchAliases) const {
+    auto const owner = findClass(className, searchAliases);
+    // KEEP MF-03: the flag becomes the class's searchBaseClasses, and aliases of fields are not searched.
+    return owner ? owner->findField(fieldName, searchAliases, false) : nullptr;
+}
+
+refPtr<fieldInfo> modelInfo::findQualifiedField(std::wstring_view qualifiedName, bool searchAliases) const {
+    auto const stop = qualifiedName.find(L'.');
+    if (stop == std::wstring_view::npos) return nullptr;
+    return findField(qualifiedName.substr(0, stop), qualifiedName.substr(stop + 1), searchAliases);
+}
+
+// ---- properties
+
+void modelInfo::setAddProp(string const& key, string const& value) {
+    if (key != caseRuleKey) {
+        mProperties.setValue(scString::createFrom(key), value, true);
+        return;
+    }
+    std::lock_guard const held(mRegistry->mCaseRuleMutex);
+    mProperties.setValue(caseRuleKey, value, true);
+    mRegistry->mCaseSensitiveNames = readCaseRule(mProperties);
+}
+
+bool modelInfo::addProp(string const& key, string& out) const {
+    return mProperties.getValue(key.c_str(), out);
+}
+
+bool modelInfo::forEachAddProp(std::function<bool(scString const&, genericValue const&)> const& visit,
+                               bool stopOnFalse) const {
+    return mProperties.forEach(visit, stopOnFalse);
+}
+
+} // namespace zov::metamodel

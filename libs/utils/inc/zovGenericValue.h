@@ -1,0 +1,378 @@
+// A value of any type: what defaults, attributes and properties are kept as.
+//
+//     genericValue width(42);                 // holds an int of its own
+//     genericValue copy = width;              // an independent copy
+//     zov::string text;
+//     width.getValue(text);                   // converted: L"42"
+//     width.valuePtr<long>();                 // null: the type test is exact, nothing is converted
+//
+//     int counter = 0;
+//     auto seen = genericValue::byReference(counter);  // refers to the caller's object, which must outlive it
+//
+// Values cross shared-library borders: the holders of the types listed at the end live in zovUtils.
+//
+// Threads: each held value has a lock of its own. Copying a value, getValue, assignText and setValue take it, so
+// one value may be read and written from several threads; pointers and references into it (valuePtr, value()) do
+// not. Assigning to one genericValue object from several threads exchanges under a sharedPtrLocker; copying
+// *from* an object that another thread assigns to is safe too.
+//
+// Fails: std::bad_alloc, with both sides as before; and with what copying a T throws.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <type_traits>
+#include <typeinfo>
+#include <vector>
+
+#include "zovBinaryBuffer.h"
+#include "zovCondition.h"
+#include "zovDateTime.h"
+#include "zovFsEntry.h"
+#include "zovRefPtr.h"
+#include "zovScString.h"
+#include "zovSharedPtr.h"
+#include "zovString.h"
+#include "zovUtilsApi.h"
+
+namespace zov {
+
+class spinLockerRecursive;
+
+// Holds the lock of one value, or of two in an order that cannot deadlock, while it lives.
+class ZOV_UTILS_API genericValueHolderLocker {
+public:
+    explicit genericValueHolderLocker(spinLockerRecursive* lock) noexcept;
+    genericValueHolderLocker(spinLockerRecursive* one, spinLockerRecursive* other) noexcept;
+    ~genericValueHolderLocker();
+
+    genericValueHolderLocker(genericValueHolderLocker const&) = delete;
+    genericValueHolderLocker& operator=(genericValueHolderLocker const&) = delete;
+
+    // A new lock for one value, and its end. createLocker throws std::bad_alloc.
+    static spinLockerRecursive* createLocker();
+    static void destroyLocker(spinLockerRecursive* lock) noexcept;
+
+private:
+    spinLockerRecursive* mFirst;
+    spinLockerRecursive* mSecond = nullptr;
+};
+
+class ZOV_UTILS_TYPE genericValue {
+public:
+    class holderbase;
+    template <class T>
+    class holder;
+    template <class T>
+    class valueholder;
+    template <class T>
+    class ptrholder;
+    template <class T>
+    class constptrholder;
+
+    // The empty value.
+    genericValue() noexcept = default;
+
+    // Holds a copy of `value`; a wide text is held as a string.
+    template <class T, class = std::enable_if_t<!std::is_base_of_v<holderbase, std::remove_pointer_t<T>>>>
+    explicit genericValue(T const& value);
+
+    // Takes over a new holder; null gives the empty value.
+    explicit genericValue(holderbase* newHolder);
+
+    // Copies clone the held value; the copy has a holder of its own.
+    genericValue(genericValue const& other);
+    genericValue(genericValue&& other) noexcept = default;
+    genericValue& operator=(genericValue const& other);
+    genericValue& operator=(genericValue&& other) noexcept = default;
+    ~genericValue() = default;
+
+    // Refers to the caller's object, which must outlive the value and every copy of it. Writing to a const
+    // object is refused.
+    template <class T>
+    static genericValue byReference(T& object);
+    template <class T>
+    static genericValue byReference(T const& object);
+
+    bool isEmpty() const noexcept { return !mHolder; }
+
+    // The type of the held value; typeid(void) when empty.
+    std::type_info const& type() const;
+
+    // The held value itself when it is held as exactly a T, else null. The mutable form is null for a const
+    // object of the caller's. Stays valid while this value is neither assigned to nor destroyed.
+    template <class T>
+    T* valuePtr();
+    template <class T>
+    T const* valuePtr() const;
+
+    // Copies the held value to `out`, converting it when it is of another type. Answers false, with `out` as it
+    // was, when the value is empty or does not convert.
+    template <class T>
+    bool getValue(T& out) const;
+
+    // Writes the text into the held value, converted to its type; an empty value becomes a string. Answers
+    // false, with the value as it was, when the text does not convert or the object is const.
+    bool assignText(zov::string const& text);
+
+    // The holder, null when empty.
+    holderbase* heldBy() noexcept { return mHolder.get(); }
+    holderbase const* heldBy() const noexcept { return mHolder.get(); }
+
+private:
+    // A counted pointer to the holder at this moment, safe against a concurrent assignment.
+    sharedPtr<holderbase> heldNow() const noexcept;
+
+    sharedPtr<holderbase> mHolder;
+};
+
+// What every holder offers, whatever the type it holds. The slot order is fixed: libraries built apart share it.
+class ZOV_UTILS_API genericValue::holderbase {
+public:
+    virtual ~holderbase();
+
+    // A new holder with the same value; the caller owns it.
+    virtual holderbase* clone() const = 0;
+
+    // Write this value into `target`, or `source`'s value into this one: by assignment when both are held as the
+    // same type, else converted. Answer false, with the written side as it was, when that cannot be done.
+    virtual bool assignTo(holderbase& target) const = 0;
+    virtual bool assignFrom(holderbase const& source) = 0;
+
+    virtual std::type_info const& type() const noexcept = 0;
+
+    // The address of the value; the mutable form is null for an object that must not be written to.
+    virtual void* valuePointer() noexcept = 0;
+    virtual void const* valuePointer() const noexcept = 0;
+
+    // Whether the value lives outside the holder.
+    virtual bool isPointer() const noexcept = 0;
+
+    // Holders made in one library are freed by another: all go through these two.
+    static void* allocate(std::size_t size);
+    static void deallocate(void* storage) noexcept;
+
+    static void* operator new(std::size_t size) { return allocate(size); }
+    static void operator delete(void* storage) noexcept { deallocate(storage); }
+
+protected:
+    holderbase() = default;
+    holderbase(holderbase const&) = delete;
+    holderbase& operator=(holderbase const&) = delete;
+
+    // Converts `source`'s value into `target`; both locks are held.
+    static bool convert(holderbase& target, holderbase const& source);
+
+    // A write to an object that is const: throws false.
+    [[noreturn]] static void refuseWriting();
+};
+
+// A holder of a T. holder<T> and holder<T const> are two types, and the type test is on them.
+template <class T>
+class ZOV_UTILS_TYPE genericValue::holder : public genericValue::holderbase {
+public:
+    bool assignTo(holderbase& target) const override { return copyValue(target, *this); }
+    bool assignFrom(holderbase const& source) override { return copyValue(*this, source); }
+    std::type_info const& type() const noexcept override { return typeid(T); }
+
+    // The value. The mutable form throws false for an object that must not be written to.
+    virtual T& value() = 0;
+    virtual T const& value() const = 0;
+
+    // Assigns to the value under its lock; assigning the value to itself does nothing. Throws false for an
+    // object that must not be written to.
+    virtual void setValue(T const& next) = 0;
+
+    spinLockerRecursive* locker() const noexcept { return mLock; }
+
+    ~holder() override { genericValueHolderLocker::destroyLocker(mLock); }
+
+protected:
+    holder() : mLock(genericValueHolderLocker::createLocker()) {}
+
+    // The shared part of setValue.
+    void assign([[maybe_unused]] T* object, [[maybe_unused]] T const& next) {
+        if constexpr (std::is_const_v<T>) {
+            refuseWriting();
+        } else {
+            genericValueHolderLocker guard(mLock);
+            if (object != &next) *object = next;
+        }
+    }
+
+private:
+    // One side is a holder<T>; the other may be anything.
+    static bool copyValue(holderbase& target, holderbase const& source) {
+        if (!target.valuePointer()) return false;
+        auto* const to = dynamic_cast<holder*>(&target);
+        auto* const from = dynamic_cast<holder const*>(&source);
+        genericValueHolderLocker guard(to ? to->mLock : nullptr, from ? from->mLock : nullptr);
+        if (!to || !from) return convert(target, source);
+        to->setValue(from->value());
+        return true;
+    }
+
+    spinLockerRecursive* mLock;
+};
+
+// Holds a value of its own.
+template <class T>
+class ZOV_UTILS_TYPE genericValue::valueholder : public genericValue::holder<T> {
+public:
+    explicit valueholder(T const& value) : mValue(new T(value)) {}
+
+    holderbase* clone() const override {
+        genericValueHolderLocker guard(this->locker());
+        return new valueholder(value());
+    }
+    void* valuePointer() noexcept override {
+        if constexpr (std::is_const_v<T>) {
+            return nullptr;
+        } else {
+            return mValue.get();
+        }
+    }
+    void const* valuePointer() const noexcept override { return mValue.get(); }
+    bool isPointer() const noexcept override { return false; }
+    T& value() override { return *mValue; }
+    T const& value() const override { return *mValue; }
+    void setValue(T const& next) override { this->assign(&*mValue, next); }
+
+private:
+    sharedPtr<T> mValue;
+};
+
+// Refers to an object of the caller's.
+template <class T>
+class ZOV_UTILS_TYPE genericValue::ptrholder : public genericValue::holder<T> {
+public:
+    explicit ptrholder(T* object) : mObject(object) {}
+
+    holderbase* clone() const override {
+        genericValueHolderLocker guard(this->locker());
+        return new ptrholder(mObject);
+    }
+    void* valuePointer() noexcept override {
+        if constexpr (std::is_const_v<T>) {
+            return nullptr;
+        } else {
+            return mObject;
+        }
+    }
+    void const* valuePointer() const noexcept override { return mObject; }
+    bool isPointer() const noexcept override { return true; }
+    T& value() override { return *mObject; }
+    T const& value() const override { return *mObject; }
+    void setValue(T const& next) override { this->assign(mObject, next); }
+
+private:
+    T* mObject;
+};
+
+// Refers to an object of the caller's that must not be written to.
+template <class T>
+class ZOV_UTILS_TYPE genericValue::constptrholder : public genericValue::holder<T> {
+public:
+    explicit constptrholder(T const* object) : mObject(object) {}
+
+    holderbase* clone() const override {
+        genericValueHolderLocker guard(this->locker());
+        return new constptrholder(mObject);
+    }
+    void* valuePointer() noexcept override { return nullptr; }
+    void const* valuePointer() const noexcept override { return mObject; }
+    bool isPointer() const noexcept override { return true; }
+    T& value() override { this->refuseWriting(); }
+    T const& value() const override { return *mObject; }
+    void setValue(T const&) override { this->refuseWriting(); }
+
+private:
+    T const* mObject;
+};
+
+namespace detail {
+
+// What a value given as a T is held as.
+template <class T>
+using heldAs =
+    std::conditional_t<std::is_same_v<std::decay_t<T>, wchar_t const*> || std::is_same_v<std::decay_t<T>, wchar_t*>,
+                       zov::string, T>;
+
+// Converts the value at `source` into `out`; false, with `out` as it was, when that cannot be done.
+ZOV_UTILS_API bool convertValue(std::type_info const& outType, void* out, genericValue::holderbase const& source);
+
+} // namespace detail
+
+template <class T, class>
+genericValue::genericValue(T const& value)
+    : mHolder(new valueholder<detail::heldAs<T>>(static_cast<detail::heldAs<T> const&>(value))) {}
+
+template <class T>
+genericValue genericValue::byReference(T& object) {
+    return genericValue(static_cast<holderbase*>(new ptrholder<T>(&object)));
+}
+
+template <class T>
+genericValue genericValue::byReference(T const& object) {
+    return genericValue(static_cast<holderbase*>(new constptrholder<T>(&object)));
+}
+
+template <class T>
+T* genericValue::valuePtr() {
+    auto* const held = dynamic_cast<holder<T>*>(mHolder.get());
+    return held && held->valuePointer() ? &held->value() : nullptr;
+}
+
+template <class T>
+T const* genericValue::valuePtr() const {
+    auto const* const held = dynamic_cast<holder<T> const*>(mHolder.get());
+    return held ? &held->value() : nullptr;
+}
+
+template <class T>
+bool genericValue::getValue(T& out) const {
+    sharedPtr<holderbase> const source = heldNow();
+    if (!source) return false;
+    auto const* const held = dynamic_cast<holder<T> const*>(source.get());
+    if (!held) return detail::convertValue(typeid(T), &out, *source);
+    genericValueHolderLocker guard(held->locker());
+    out = held->value();
+    return true;
+}
+
+// A function that compares two values of a field.
+using valueEqFunction = bool (*)(genericValue const&, genericValue const&);
+
+// The holders that zovUtils itself contains. Elsewhere than on ELF a template cannot be imported, and each
+// library has its own copies; their type tests compare names there.
+#if defined(__ELF__)
+#    define ZOV_HOLDERS_OF(Keyword, ...)                                                                               \
+        Keyword template class genericValue::holder<__VA_ARGS__>;                                                      \
+        Keyword template class genericValue::valueholder<__VA_ARGS__>;                                                 \
+        Keyword template class genericValue::ptrholder<__VA_ARGS__>;
+#    define ZOV_ALL_HOLDERS(Keyword)                                                                                   \
+        ZOV_HOLDERS_OF(Keyword, bool)                                                                                  \
+        ZOV_HOLDERS_OF(Keyword, short)                                                                                 \
+        ZOV_HOLDERS_OF(Keyword, int)                                                                                   \
+        ZOV_HOLDERS_OF(Keyword, long)                                                                                  \
+        ZOV_HOLDERS_OF(Keyword, float)                                                                                 \
+        ZOV_HOLDERS_OF(Keyword, double)                                                                                \
+        ZOV_HOLDERS_OF(Keyword, zov::string)                                                                           \
+        ZOV_HOLDERS_OF(Keyword, date)                                                                                  \
+        ZOV_HOLDERS_OF(Keyword, time)                                                                                  \
+        ZOV_HOLDERS_OF(Keyword, timestamp)                                                                             \
+        ZOV_HOLDERS_OF(Keyword, binaryBuffer)                                                                          \
+        ZOV_HOLDERS_OF(Keyword, file)                                                                                  \
+        ZOV_HOLDERS_OF(Keyword, directory)                                                                             \
+        ZOV_HOLDERS_OF(Keyword, searchPath)                                                                            \
+        ZOV_HOLDERS_OF(Keyword, refPtr<refObj>)                                                                        \
+        ZOV_HOLDERS_OF(Keyword, sharedPtr<conditions::condition>)                                                      \
+        ZOV_HOLDERS_OF(Keyword, valueEqFunction)                                                                       \
+        ZOV_HOLDERS_OF(Keyword, std::vector<zov::string>)                                                              \
+        ZOV_HOLDERS_OF(Keyword, std::vector<scString>)                                                                 \
+        ZOV_HOLDERS_OF(Keyword, std::vector<scString> const)                                                           \
+        Keyword template class genericValue::constptrholder<zov::string>;
+ZOV_ALL_HOLDERS(extern)
+#endif
+
+} // namespace zov

@@ -1,0 +1,7 @@
+#include "zovCondition.h"
+
+namespace zov::conditions {
+
+condition::~condition() = default;
+
+} // namespace zov::conditions

@@ -1,0 +1,174 @@
+#include "zovRefPtr.h"
+
+#include <algorithm>
+#include <atomic>
+#include <exception>
+#include <memory>
+#include <new>
+
+#include "zovAssert.h"
+#include "zovSpinLock.h"
+
+namespace zov {
+
+namespace {
+
+// A new reference needs no order: whoever adds one holds one already. Giving one up publishes what this thread
+// did with the object (release) to the thread that ends it (acquire).
+template <class Counter>
+std::int32_t increment(Counter volatile* counter) noexcept {
+    auto const before = std::atomic_ref(*const_cast<Counter*>(counter)).fetch_add(1, std::memory_order_relaxed);
+    return static_cast<std::int32_t>(before + 1);
+}
+
+template <class Counter>
+std::int32_t decrement(Counter volatile* counter) noexcept {
+    auto const before = std::atomic_ref(*const_cast<Counter*>(counter)).fetch_sub(1, std::memory_order_acq_rel);
+    return static_cast<std::int32_t>(before - 1);
+}
+
+constinit spinLockerRecursive referenceLock;
+
+} // namespace
+
+std::int32_t interlockedIncrement(unsigned long volatile* counter) noexcept {
+    return increment(counter);
+}
+std::int32_t interlockedIncrement(std::uint32_t volatile* counter) noexcept {
+    return increment(counter);
+}
+std::int32_t interlockedDecrement(unsigned long volatile* counter) noexcept {
+    return decrement(counter);
+}
+std::int32_t interlockedDecrement(std::uint32_t volatile* counter) noexcept {
+    return decrement(counter);
+}
+
+// The releases that a thread has put off while it ends objects. Lives on the stack of the outermost release().
+//
+// Entries form a stack: those that the object ending just now made lie above mFirstOwn, in the order in which it
+// made them; once it is gone they are turned round, so that the first one made is the first one taken.
+class refObjEnding {
+public:
+    // The queue of this thread, null while it ends nothing.
+    static refObjEnding* current() noexcept { return sCurrent; }
+
+    // Ends `object`, whose count has come to 0, and all that goes with it. Answers whether every hook succeeded.
+    static bool run(refObj* object) noexcept {
+        refObjEnding ending;
+        sCurrent = &ending;
+        ending.end(object);
+        ending.carryOutDownTo(0);
+        sCurrent = nullptr;
+        return !ending.mFailed;
+    }
+
+    // Takes a release of `object` to be carried out after the object that is ending now.
+    void putOff(refObj* object) noexcept {
+        if (mSize == mCapacity && !grow()) {
+            carryOutNested(object);
+            return;
+        }
+        mEntries[mSize++] = object;
+    }
+
+private:
+    void end(refObj* object) noexcept {
+        std::size_t const outerFirst = std::exchange(mFirstOwn, mSize);
+        try {
+            object->destroy();
+        } catch (std::bad_alloc const&) { // a lost log line; the object is gone
+        } catch (...) {
+            mFailed = true;
+        }
+        std::reverse(mEntries + mFirstOwn, mEntries + mSize);
+        mFirstOwn = outerFirst;
+    }
+
+    void carryOut(refObj* object) noexcept {
+        if (interlockedDecrement(&object->mCount) == 0) end(object);
+    }
+
+    void carryOutDownTo(std::size_t size) noexcept {
+        while (mSize > size)
+            carryOut(mEntries[--mSize]);
+    }
+
+    // Memory is gone: what the ending object has given up so far, and `object`, end right here, one level
+    // deeper, in the same order.
+    void carryOutNested(refObj* object) noexcept {
+        std::reverse(mEntries + mFirstOwn, mEntries + mSize);
+        std::size_t const base = mFirstOwn;
+        carryOutDownTo(base);
+        carryOut(object);
+        carryOutDownTo(base);
+    }
+
+    bool grow() noexcept {
+        std::unique_ptr<refObj*[]> larger(new (std::nothrow) refObj*[mCapacity * 2]);
+        if (!larger) return false;
+        std::copy_n(mEntries, mSize, larger.get());
+        mSpill = std::move(larger);
+        mEntries = mSpill.get();
+        mCapacity *= 2;
+        return true;
+    }
+
+    static constexpr std::size_t inlineCapacity = 64;
+    static thread_local refObjEnding* sCurrent;
+
+    refObj* mInline[inlineCapacity];
+    std::unique_ptr<refObj*[]> mSpill;
+    refObj** mEntries = mInline;
+    std::size_t mCapacity = inlineCapacity;
+    std::size_t mSize = 0;
+    std::size_t mFirstOwn = 0;
+    bool mFailed = false;
+};
+
+thread_local refObjEnding* refObjEnding::sCurrent = nullptr;
+
+refObj::~refObj() = default;
+
+std::uint32_t refObj::addRef() {
+    return static_cast<std::uint32_t>(interlockedIncrement(&mCount));
+}
+
+std::uint32_t refObj::release() {
+    if (refObjEnding* ending = refObjEnding::current()) {
+        std::uint32_t const left = currentCount() - 1;
+        ending->putOff(this);
+        return left;
+    }
+    auto const left = static_cast<std::uint32_t>(interlockedDecrement(&mCount));
+    if (left == 0 && !refObjEnding::run(this) && std::uncaught_exceptions() == 0) throw false;
+    return left;
+}
+
+std::uint32_t refObj::currentCount() const noexcept {
+    return detail::counterValue(&mCount);
+}
+
+referencePtrLocker::referencePtrLocker() noexcept {
+    referenceLock.lock();
+}
+referencePtrLocker::~referencePtrLocker() {
+    referenceLock.unlock();
+}
+
+namespace detail {
+
+std::uint32_t counterValue(std::uint32_t const volatile* counter) noexcept {
+    return std::atomic_ref(*const_cast<std::uint32_t*>(counter)).load(std::memory_order_acquire);
+}
+
+void failEmptyRefPtr() {
+    assertionFailed(L"m_p != NULL", "libs/utils/inc/zovRefPtr.h", 156);
+}
+void failEmptyConstRefPtr() {
+    assertionFailed(L"m_p != NULL", "libs/utils/inc/zovRefPtr.h", 348);
+}
+
+} // namespace detail
+
+} // namespace zov

@@ -1,0 +1,37 @@
+#include "zovSharedPtr.h"
+
+#include "zovAssert.h"
+#include "zovSpinLock.h"
+
+namespace zov {
+
+namespace {
+
+constinit spinLockerRecursive sharedLock;
+
+} // namespace
+
+std::uint32_t volatile* shptr::allocCounter() {
+    return new std::uint32_t;
+}
+
+void shptr::releaseCounter(std::uint32_t volatile* counter) noexcept {
+    delete counter;
+}
+
+sharedPtrLocker::sharedPtrLocker() noexcept {
+    sharedLock.lock();
+}
+sharedPtrLocker::~sharedPtrLocker() {
+    sharedLock.unlock();
+}
+
+namespace detail {
+
+void failEmptySharedPtr(int line) {
+    assertionFailed(L"m_p != nullptr", "libs/utils/inc/zovSharedPtr.h", line);
+}
+
+} // namespace detail
+
+} // namespace zov
