@@ -143,7 +143,6 @@ int classInfo::flags() const {
 
 void classInfo::addAliasname(string const& alias) {
     assertThat(!alias.empty(), L"alias.length()", sources::classInfo, __LINE__);
-    removeAliasname(alias);
     scString const added = scString::createFrom(alias);
     auto* list = findAliases<aliasList>(mData->mProperties);
     if (!list) {
@@ -151,6 +150,8 @@ void classInfo::addAliasname(string const& alias) {
         list = findAliases<aliasList>(mData->mProperties);
         assertThat(list != nullptr, L"pAliasNames", sources::classInfo, __LINE__);
     }
+    list->reserve(list->size() + 1); // nothing is lost when memory is gone
+    removeAlias(*list, alias);
     list->push_back(added);
 }
 
@@ -238,7 +239,8 @@ refPtr<fieldInfo> classInfo::findField(std::wstring_view name, bool searchBaseCl
 
 bool classInfo::forEachFieldInfo(std::function<bool(refPtr<metamodel::fieldInfo>)> const& visit,
                                  bool stopOnFalse) const {
-    return walk(mData->mFieldInfos.snapshot(), stopOnFalse, visit);
+    return walk(mData->mFieldInfos.snapshot(), stopOnFalse,
+                [&](refPtr<metamodel::fieldInfo> const& field) { return !field || visit(field); });
 }
 
 std::uint64_t classInfo::countFields() const {
@@ -357,7 +359,7 @@ bool classInfo::isBaseOf(const_refPtr<classInfo>& other) const {
 
 bool classInfo::isBaseOf(const_refPtr<classInfo> const& other) const {
     return !walk(mData->mDerivedClasses.snapshot(), true,
-                 [&](entry const& derived) { return derived.second != other; });
+                 [&](entry const& derived) { return !derived.second || derived.second != other; });
 }
 
 bool classInfo::isDerivedFrom(const_refPtr<classInfo> const& other) const {

@@ -103,7 +103,7 @@ refPtr<classInfo> modelInfo::getOrCreateClassInfo(string const& name, acceptFunc
 // Under the model's mutex, which accept may take again.
 refPtr<classInfo> modelInfo::createAndPublish(string const& name, acceptFunction const& accept) {
     heldMutex const held(mRegistry->mMutex);
-    auto const added = falseWithoutMemory(
+    auto added = falseWithoutMemory(
         [&] { return refPtr<metamodel::classInfo>(new metamodel::classInfo(name, mRegistry->mCaseSensitiveNames)); });
     scopeExit letGo([&] { added->tearDown(); });
     if (accept && !accept(added)) return nullptr;

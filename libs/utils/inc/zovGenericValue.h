@@ -58,7 +58,7 @@ private:
     spinLockerRecursive* mSecond = nullptr;
 };
 
-class ZOV_UTILS_TYPE genericValue {
+class ZOV_UTILS_API genericValue {
 public:
     class holderbase;
     template <class T>

@@ -85,23 +85,12 @@ bool formatter::write() {
 void formatter::readFlags(conversion& field) noexcept {
     for (;; ++mAt) {
         switch (*mAt) {
-        case L'-':
-            field.mLeft = true;
-            break;
-        case L'+':
-            field.mPlus = true;
-            break;
-        case L' ':
-            field.mBlank = true;
-            break;
-        case L'#':
-            field.mAlternate = true;
-            break;
-        case L'0':
-            field.mZero = true;
-            break;
-        default:
-            return;
+        case L'-': field.mLeft = true; break;
+        case L'+': field.mPlus = true; break;
+        case L' ': field.mBlank = true; break;
+        case L'#': field.mAlternate = true; break;
+        case L'0': field.mZero = true; break;
+        default: return;
         }
     }
 }
@@ -126,20 +115,13 @@ argumentLength formatter::readLength() noexcept {
     if (doubled(L'h')) return found(argumentLength::hh, 2);
     if (doubled(L'l')) return found(argumentLength::ll, 2);
     switch (*mAt) {
-    case L'h':
-        return found(argumentLength::h, 1);
-    case L'l':
-        return found(argumentLength::l, 1);
-    case L'j':
-        return found(argumentLength::j, 1);
-    case L'z':
-        return found(argumentLength::z, 1);
-    case L't':
-        return found(argumentLength::t, 1);
-    case L'L':
-        return found(argumentLength::longDouble, 1);
-    default:
-        return argumentLength::none;
+    case L'h': return found(argumentLength::h, 1);
+    case L'l': return found(argumentLength::l, 1);
+    case L'j': return found(argumentLength::j, 1);
+    case L'z': return found(argumentLength::z, 1);
+    case L't': return found(argumentLength::t, 1);
+    case L'L': return found(argumentLength::longDouble, 1);
+    default: return argumentLength::none;
     }
 }
 
@@ -165,32 +147,16 @@ bool formatter::readConversion(conversion& field) noexcept {
 
 bool formatter::writeConversion(conversion const& field) {
     switch (field.mLetter) {
-    case L'%':
-        mOut += L'%';
-        return true;
-    case L's':
-        writeText(field);
-        return true;
-    case L'c':
-        writeUnit(field);
-        return true;
+    case L'%': mOut += L'%'; return true;
+    case L's': writeText(field); return true;
+    case L'c': writeUnit(field); return true;
     case L'd':
-    case L'i':
-        writeSigned(field);
-        return true;
-    case L'u':
-        writeUnsigned(field, 10);
-        return true;
-    case L'o':
-        writeUnsigned(field, 8);
-        return true;
+    case L'i': writeSigned(field); return true;
+    case L'u': writeUnsigned(field, 10); return true;
+    case L'o': writeUnsigned(field, 8); return true;
     case L'x':
-    case L'X':
-        writeUnsigned(field, 16);
-        return true;
-    case L'p':
-        writePointer(field);
-        return true;
+    case L'X': writeUnsigned(field, 16); return true;
+    case L'p': writePointer(field); return true;
     case L'f':
     case L'F':
     case L'e':
@@ -205,8 +171,7 @@ bool formatter::writeConversion(conversion const& field) {
             writeFloat(field, mValues.next<double>());
         }
         return true;
-    default:
-        return false;
+    default: return false;
     }
 }
 
@@ -245,43 +210,27 @@ void formatter::writeUnit(conversion const& field) {
 
 std::intmax_t formatter::nextSigned(argumentLength length) noexcept {
     switch (length) {
-    case argumentLength::hh:
-        return static_cast<signed char>(mValues.next<int>());
-    case argumentLength::h:
-        return static_cast<short>(mValues.next<int>());
-    case argumentLength::l:
-        return mValues.next<long>();
-    case argumentLength::ll:
-        return mValues.next<long long>();
-    case argumentLength::j:
-        return mValues.next<std::intmax_t>();
-    case argumentLength::z:
-        return mValues.next<std::make_signed_t<std::size_t>>();
-    case argumentLength::t:
-        return mValues.next<std::ptrdiff_t>();
-    default:
-        return mValues.next<int>();
+    case argumentLength::hh: return static_cast<signed char>(mValues.next<int>());
+    case argumentLength::h: return static_cast<short>(mValues.next<int>());
+    case argumentLength::l: return mValues.next<long>();
+    case argumentLength::ll: return mValues.next<long long>();
+    case argumentLength::j: return mValues.next<std::intmax_t>();
+    case argumentLength::z: return mValues.next<std::make_signed_t<std::size_t>>();
+    case argumentLength::t: return mValues.next<std::ptrdiff_t>();
+    default: return mValues.next<int>();
     }
 }
 
 std::uintmax_t formatter::nextUnsigned(argumentLength length) noexcept {
     switch (length) {
-    case argumentLength::hh:
-        return static_cast<unsigned char>(mValues.next<unsigned>());
-    case argumentLength::h:
-        return static_cast<unsigned short>(mValues.next<unsigned>());
-    case argumentLength::l:
-        return mValues.next<unsigned long>();
-    case argumentLength::ll:
-        return mValues.next<unsigned long long>();
-    case argumentLength::j:
-        return mValues.next<std::uintmax_t>();
-    case argumentLength::z:
-        return mValues.next<std::size_t>();
-    case argumentLength::t:
-        return mValues.next<std::make_unsigned_t<std::ptrdiff_t>>();
-    default:
-        return mValues.next<unsigned>();
+    case argumentLength::hh: return static_cast<unsigned char>(mValues.next<unsigned>());
+    case argumentLength::h: return static_cast<unsigned short>(mValues.next<unsigned>());
+    case argumentLength::l: return mValues.next<unsigned long>();
+    case argumentLength::ll: return mValues.next<unsigned long long>();
+    case argumentLength::j: return mValues.next<std::uintmax_t>();
+    case argumentLength::z: return mValues.next<std::size_t>();
+    case argumentLength::t: return mValues.next<std::make_unsigned_t<std::ptrdiff_t>>();
+    default: return mValues.next<unsigned>();
     }
 }
 
@@ -375,21 +324,15 @@ std::string finiteText(conversion const& field, Float value) {
     std::string text;
     switch (field.mLetter) {
     case L'f':
-    case L'F':
-        text = floatText(value, std::chars_format::fixed, precision);
-        break;
+    case L'F': text = floatText(value, std::chars_format::fixed, precision); break;
     case L'e':
-    case L'E':
-        text = floatText(value, std::chars_format::scientific, precision);
-        break;
+    case L'E': text = floatText(value, std::chars_format::scientific, precision); break;
     case L'g':
     case L'G':
         text =
             field.mAlternate ? generalText(value, precision) : floatText(value, std::chars_format::general, precision);
         break;
-    default:
-        text = floatText(value, std::chars_format::hex, field.mPrecision);
-        break;
+    default: text = floatText(value, std::chars_format::hex, field.mPrecision); break;
     }
     if (field.mAlternate && text.find('.') == std::string::npos) {
         text.insert(std::min(text.find_first_of("ep"), text.size()), 1, '.');

@@ -9,7 +9,9 @@
 namespace zov {
 
 // Whether the unit is one of the decimal digits 0 to 9; no other script's digits count.
-constexpr bool isDigit(wchar_t unit) noexcept { return unit >= L'0' && unit <= L'9'; }
+constexpr bool isDigit(wchar_t unit) noexcept {
+    return unit >= L'0' && unit <= L'9';
+}
 
 // The arguments of a variadic call, handed on by reference.
 class formatArguments {

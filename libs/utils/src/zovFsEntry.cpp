@@ -1,6 +1,8 @@
 #include "zovFsEntry.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <iterator>
 #include <string>
 #include <system_error>
 
@@ -20,7 +22,8 @@ std::filesystem::path toPath(string const& text) {
 }
 
 bool isSeparator(wchar_t unit) noexcept {
-    return unit == L'/' || static_cast<wchar_t>(std::filesystem::path::preferred_separator) == unit;
+    constexpr wchar_t separators[] = {L'/', static_cast<wchar_t>(std::filesystem::path::preferred_separator)};
+    return std::find(std::begin(separators), std::end(separators), unit) != std::end(separators);
 }
 
 string joinedPath(string const& base, string const& name) {

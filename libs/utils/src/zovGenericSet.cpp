@@ -65,7 +65,7 @@ genericSet& genericSet::operator=(genericSet&& other) noexcept {
     std::unique_ptr<record> taken(other.mRecord.exchange(nullptr));
     record* none = nullptr;
     if (mRecord.compare_exchange_strong(none, taken.get(), std::memory_order_acq_rel)) {
-        taken.release();
+        static_cast<void>(taken.release()); // it is the set's own now
         return *this;
     }
     valueMap nothing;

@@ -52,14 +52,10 @@ loggerTable& defaultLoggers() {
 
 char const* levelName(eLogLevel level) noexcept {
     switch (level) {
-    case eLogInfo:
-        return "info";
-    case eLogDebug:
-        return "debug";
-    case eLogTrace:
-        return "trace";
-    default:
-        return "off";
+    case eLogInfo: return "info";
+    case eLogDebug: return "debug";
+    case eLogTrace: return "trace";
+    default: return "off";
     }
 }
 

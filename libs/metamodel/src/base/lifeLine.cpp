@@ -7,12 +7,9 @@ void writeLifeLine(lifeLineSite const& site, wchar_t const* format, string const
     if (!logger->isEnabled(site.level)) return;
     string const message = string::sformat(format, name.c_str());
     switch (site.level) {
-    case zovlog::eLogInfo:
-        return logger->log_info(message, site.file, site.line, site.function, nullptr);
-    case zovlog::eLogDebug:
-        return logger->log_debug(message, site.file, site.line, site.function, nullptr);
-    default:
-        return logger->log_trace(message, site.file, site.line, site.function, nullptr);
+    case zovlog::eLogInfo: return logger->log_info(message, site.file, site.line, site.function, nullptr);
+    case zovlog::eLogDebug: return logger->log_debug(message, site.file, site.line, site.function, nullptr);
+    default: return logger->log_trace(message, site.file, site.line, site.function, nullptr);
     }
 }
 

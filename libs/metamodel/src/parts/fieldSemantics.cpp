@@ -44,9 +44,7 @@ scString customName(genericSet const& attribs, string const& semStr) {
 void applySemantic(fieldData& field, eFieldSemantics sem, genericSet const& attribs, string const& semStr) {
     field.mSemantic = sem;
     switch (sem) {
-    case eSemPrimkey:
-        field.mFlags |= eFlagMandatory | eFlagUnique;
-        break;
+    case eSemPrimkey: field.mFlags |= eFlagMandatory | eFlagUnique; break;
     case eSemDate:
         demandType(field, {{eTimestamp, eDate}, L"mType==eTimestamp || mType==eDate", 613});
         field.mType = eDate;
@@ -55,12 +53,8 @@ void applySemantic(fieldData& field, eFieldSemantics sem, genericSet const& attr
         demandType(field, {{eTimestamp, eTime}, L"mType==eTimestamp || mType==eTime", 618});
         field.mType = eTime;
         break;
-    case eSemTimestamp:
-        demandType(field, {{eTimestamp}, L"mType==eTimestamp", 623});
-        break;
-    case eSemCustom:
-        field.mCustomSemanticString = customName(attribs, semStr);
-        break;
+    case eSemTimestamp: demandType(field, {{eTimestamp}, L"mType==eTimestamp", 623}); break;
+    case eSemCustom: field.mCustomSemanticString = customName(attribs, semStr); break;
     case eSemEnum:
         demandType(field, {{eBool, eShort, eInt, eLong, eFloat, eDouble, eString},
                            L"mType==eBool ||mType==eShort || mType==eInt || mType==eLong || mType==eFloat || "
@@ -72,8 +66,7 @@ void applySemantic(fieldData& field, eFieldSemantics sem, genericSet const& attr
         demandType(field, {{eShort, eInt, eLong}, L"mType == eShort || mType == eInt || mType == eLong", 646});
         demandItems(attribs, 648);
         break;
-    default:
-        break; // the others ask for nothing and change nothing else
+    default: break; // the others ask for nothing and change nothing else
     }
 }
 
