@@ -20,5 +20,8 @@ install(FILES
   "${PROJECT_BINARY_DIR}/zovMetamodelConfigVersion.cmake"
   DESTINATION "${ZOV_PACKAGE_DIR}")
 
+# The prefix is found from where the file lies, so that an installed tree may be moved.
+set(ZOV_PREFIX_FROM_PC "/")
+cmake_path(RELATIVE_PATH ZOV_PREFIX_FROM_PC BASE_DIRECTORY "/${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 configure_file("${PROJECT_SOURCE_DIR}/cmake/zovMetamodel.pc.in" "${PROJECT_BINARY_DIR}/zovMetamodel.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/zovMetamodel.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")

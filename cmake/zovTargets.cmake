@@ -15,10 +15,13 @@ function(zov_own_target target)
     VISIBILITY_INLINES_HIDDEN ON)
   target_compile_options(${target} PRIVATE
     -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wcast-align -Wold-style-cast
-    -Woverloaded-virtual -Wnull-dereference -Wdouble-promotion -Wformat=2 -Wnon-virtual-dtor
+    -Woverloaded-virtual -Wdouble-promotion -Wformat=2 -Wnon-virtual-dtor
     $<$<BOOL:${ZOV_WERROR}>:-Werror>
     # Sources are named from the project's root in every text that a host may see.
     "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=")
+  if(ZOV_BUILD_FUZZERS)
+    target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link)
+  endif()
   if(ZOV_SANITIZE)
     target_compile_options(${target} PRIVATE "-fsanitize=${ZOV_SANITIZE}" -fno-omit-frame-pointer -fno-sanitize-recover=all)
     target_link_options(${target} PRIVATE "-fsanitize=${ZOV_SANITIZE}")
@@ -52,6 +55,7 @@ function(zov_add_library name)
     LINKER_LANGUAGE CXX
     VERSION ${PROJECT_VERSION}
     SOVERSION ${PROJECT_VERSION_MAJOR}
+    INSTALL_RPATH "$ORIGIN"
     VERIFY_INTERFACE_HEADER_SETS ON)
   list(TRANSFORM arg_HEADERS PREPEND "${CMAKE_CURRENT_SOURCE_DIR}/inc/")
   target_sources(${name} PUBLIC FILE_SET HEADERS BASE_DIRS "${CMAKE_CURRENT_SOURCE_DIR}/inc" FILES ${arg_HEADERS})

@@ -168,7 +168,8 @@ void modelInfo::setAddProp(string const& key, string const& value) {
 }
 
 bool modelInfo::addProp(string const& key, string& out) const {
-    return mProperties.getValue(key.c_str(), out);
+    auto const name = scString::find(key);
+    return name && mProperties.getValue(*name, out);
 }
 
 bool modelInfo::forEachAddProp(std::function<bool(scString const&, genericValue const&)> const& visit,

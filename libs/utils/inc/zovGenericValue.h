@@ -61,6 +61,7 @@ private:
 class ZOV_UTILS_API genericValue {
 public:
     class holderbase;
+    class lockedHolder;
     template <class T>
     class holder;
     template <class T>
@@ -160,19 +161,39 @@ protected:
     holderbase(holderbase const&) = delete;
     holderbase& operator=(holderbase const&) = delete;
 
-    // Converts `source`'s value into `target`; both locks are held.
-    static bool convert(holderbase& target, holderbase const& source);
-
     // A write to an object that is const: throws false.
     [[noreturn]] static void refuseWriting();
 };
 
+// A holder with a lock of its own, which guards its value.
+class ZOV_UTILS_API genericValue::lockedHolder : public genericValue::holderbase {
+public:
+    ~lockedHolder() override;
+
+    spinLockerRecursive* locker() const noexcept { return mLock; }
+
+protected:
+    lockedHolder();
+
+    // Writes `source`'s value into `target` under both locks: by `assign` when that is not null, else converted.
+    // Answers false when the target must not be written to.
+    static bool copyValue(holderbase& target, holderbase const& source,
+                          void (*assign)(holderbase& target, holderbase const& source));
+
+private:
+    spinLockerRecursive* mLock;
+};
+
 // A holder of a T. holder<T> and holder<T const> are two types, and the type test is on them.
 template <class T>
-class ZOV_UTILS_TYPE genericValue::holder : public genericValue::holderbase {
+class ZOV_UTILS_TYPE genericValue::holder : public genericValue::lockedHolder {
 public:
-    bool assignTo(holderbase& target) const override { return copyValue(target, *this); }
-    bool assignFrom(holderbase const& source) override { return copyValue(*this, source); }
+    bool assignTo(holderbase& target) const override {
+        return copyValue(target, *this, dynamic_cast<holder*>(&target) ? &assignSameType : nullptr);
+    }
+    bool assignFrom(holderbase const& source) override {
+        return copyValue(*this, source, dynamic_cast<holder const*>(&source) ? &assignSameType : nullptr);
+    }
     std::type_info const& type() const noexcept override { return typeid(T); }
 
     // The value. The mutable form throws false for an object that must not be written to.
@@ -183,36 +204,21 @@ public:
     // object that must not be written to.
     virtual void setValue(T const& next) = 0;
 
-    spinLockerRecursive* locker() const noexcept { return mLock; }
-
-    ~holder() override { genericValueHolderLocker::destroyLocker(mLock); }
-
 protected:
-    holder() : mLock(genericValueHolderLocker::createLocker()) {}
-
     // The shared part of setValue.
     void assign([[maybe_unused]] T* object, [[maybe_unused]] T const& next) {
         if constexpr (std::is_const_v<T>) {
             refuseWriting();
         } else {
-            genericValueHolderLocker guard(mLock);
+            genericValueHolderLocker guard(this->locker());
             if (object != &next) *object = next;
         }
     }
 
 private:
-    // One side is a holder<T>; the other may be anything.
-    static bool copyValue(holderbase& target, holderbase const& source) {
-        if (!target.valuePointer()) return false;
-        auto* const to = dynamic_cast<holder*>(&target);
-        auto* const from = dynamic_cast<holder const*>(&source);
-        genericValueHolderLocker guard(to ? to->mLock : nullptr, from ? from->mLock : nullptr);
-        if (!to || !from) return convert(target, source);
-        to->setValue(from->value());
-        return true;
+    static void assignSameType(holderbase& target, holderbase const& source) {
+        static_cast<holder&>(target).setValue(static_cast<holder const&>(source).value());
     }
-
-    spinLockerRecursive* mLock;
 };
 
 // Holds a value of its own.
@@ -298,7 +304,7 @@ using heldAs =
     std::conditional_t<std::is_same_v<std::decay_t<T>, wchar_t const*> || std::is_same_v<std::decay_t<T>, wchar_t*>,
                        zov::string, T>;
 
-// Converts the value at `source` into `out`; false, with `out` as it was, when that cannot be done.
+// Converts the value of `source` into `out`, under its lock; false, with `out` as it was, when that cannot be done.
 ZOV_UTILS_API bool convertValue(std::type_info const& outType, void* out, genericValue::holderbase const& source);
 
 } // namespace detail

@@ -77,7 +77,7 @@ public:
 
     // Gives a reference up; returns the new count. The call that makes it 0 runs destroy(), exactly once.
     // Called while this thread is ending another object, it is put off until that object is gone, and returns
-    // the count that it will leave.
+    // one less than the count at this moment, which other releases that are put off have not lowered yet.
     // Throws false when the destroy hook of an object that ended by this call has failed.
     virtual std::uint32_t release();
 
@@ -265,6 +265,10 @@ public:
         this->reset(other.get());
         return *this;
     }
+    template <detail::leadsTo<T> U, class A, class R>
+    refPtr& operator=(refPtr<U, A, R>&& other) noexcept {
+        return *this = refPtr(std::move(other));
+    }
 
     // The object. Fails "m_p != NULL" when the pointer is empty.
     T* operator->() const { return checked(); }
@@ -320,6 +324,19 @@ public:
     const_refPtr& operator=(refPtr<U, A, R> const& other) {
         this->reset(other.get());
         return *this;
+    }
+    template <detail::leadsTo<T const> U, class A, class R>
+    const_refPtr& operator=(refPtr<U, A, R>&& other) noexcept {
+        return *this = const_refPtr(std::move(other));
+    }
+    template <detail::leadsTo<T const> U, class A, class R>
+    const_refPtr& operator=(const_refPtr<U, A, R> const& other) {
+        this->reset(other.get());
+        return *this;
+    }
+    template <detail::leadsTo<T const> U, class A, class R>
+    const_refPtr& operator=(const_refPtr<U, A, R>&& other) noexcept {
+        return *this = const_refPtr(std::move(other));
     }
 
     // The object. Fails "m_p != NULL" when the pointer is empty.

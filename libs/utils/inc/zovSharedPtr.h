@@ -180,6 +180,7 @@ public:
     const_sharedPtr(std::nullptr_t) noexcept {}
     explicit const_sharedPtr(T* object) : mPair(object) {}
     const_sharedPtr(sharedPtr<T, Delete> const& other) noexcept : mPair(other.mPair) {}
+    const_sharedPtr(sharedPtr<T, Delete>&& other) noexcept : mPair(std::move(other.mPair)) {}
 
     void reset() noexcept { const_sharedPtr().mPair.exchange(mPair); }
 

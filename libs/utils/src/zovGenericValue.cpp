@@ -41,15 +41,36 @@ void genericValue::holderbase::deallocate(void* storage) noexcept {
     ::operator delete(storage);
 }
 
-bool genericValue::holderbase::convert(holderbase& target, holderbase const& source) {
-    return detail::convertValue(target.type(), target.valuePointer(), source);
-}
-
 void genericValue::holderbase::refuseWriting() {
     throw false;
 }
 
+namespace {
+
+// The lock of a holder; null for a holder of a host's own making that has none.
+spinLockerRecursive* lockOf(genericValue::holderbase const& holder) noexcept {
+    auto const* const locked = dynamic_cast<genericValue::lockedHolder const*>(&holder);
+    return locked ? locked->locker() : nullptr;
+}
+
+} // namespace
+
+genericValue::lockedHolder::lockedHolder() : mLock(genericValueHolderLocker::createLocker()) {}
+genericValue::lockedHolder::~lockedHolder() {
+    genericValueHolderLocker::destroyLocker(mLock);
+}
+
+bool genericValue::lockedHolder::copyValue(holderbase& target, holderbase const& source,
+                                           void (*assign)(holderbase& target, holderbase const& source)) {
+    if (!target.valuePointer()) return false;
+    genericValueHolderLocker const guard(lockOf(target), lockOf(source));
+    if (!assign) return detail::convertValue(target.type(), target.valuePointer(), source);
+    assign(target, source);
+    return true;
+}
+
 bool detail::convertValue(std::type_info const& outType, void* out, genericValue::holderbase const& source) {
+    genericValueHolderLocker const guard(lockOf(source), nullptr);
     return typeconvert::typeConversionManager::instance().convert(outType, out, source.type(), source.valuePointer(), 0,
                                                                   nullptr);
 }
