@@ -28,10 +28,15 @@ struct fieldData {
     std::atomic<eFieldSemantics> mSemantic{eSemNone};
     std::atomic<scString> mCustomSemanticString{scString()};
     genericSet mSemanticAttribs;
-    genericSet mDefinitions; // "Alias": never a list that anyone finds
+    genericSet mDefinitions; // aliases, defaults, expressions, condition, equality: see parts/definitions.h
 };
 
-// The bits of mFlags that belong to a field itself.
-enum eFieldFlag : std::int32_t { eFlagMandatory = 1, eFlagUnique = 2 };
+// The bits of mFlags.
+enum eFieldFlag : std::int32_t {
+    eFlagMandatory = 1,
+    eFlagUnique = 2,
+    eFlagAutoExpression = 4,
+    eFlagConstantExpression = 8 // comes into a field by a copy of a whole word only
+};
 
 } // namespace zov::metamodel
