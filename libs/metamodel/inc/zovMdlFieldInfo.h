@@ -14,6 +14,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <set>
 #include <vector>
@@ -29,6 +30,7 @@
 namespace zov::metamodel {
 
 class classInfo;
+class relationInfo;
 struct enumItem;
 struct fieldData;
 
@@ -213,12 +215,35 @@ public:
     // search path, pointer and custom types. The type's own function throws false when it cannot read a value.
     valueEqFunction valueEqFunc(bool inherit) const;
 
+    // ---- user properties
+
+    // Store a value of the host's under the name, for the field alone or, when inheritable, also for fields that stand
+    // for it. Each of the two keeps its own values, so that one name may have both. A value under the name is replaced.
+    void setUserProperty(string const& name, string const& value, bool inheritable);
+    void setUserProperty(string const& name, refPtr<refObj> const& value, bool inheritable);
+    void setUserProperty(string const& name, genericValue const& value, bool inheritable);
+
+    // Read a value into `value`: the field's own, else its inheritable one, else, with searchInherited, the first
+    // inheritable one along its base fields. A value that cannot be read as the asked type counts as not found, and the
+    // search goes on. Without searchInherited, only the object forms see the inheritable one. Answer whether there was
+    // one; `value` is as before otherwise.
+    bool getUserProperty(string const& name, string& value, bool searchInherited) const;
+    bool getUserProperty(string const& name, refPtr<refObj>& value, bool searchInherited);
+    bool getUserProperty(string const& name, const_refPtr<refObj>& value, bool searchInherited) const;
+    bool getUserProperty(string const& name, genericValue& value, bool searchInherited) const;
+
+    // Calls `visit` for each private or each inheritable property of the field's own, in some order. Answers false when
+    // a visit answered false and stopOnFalse is set (which ends the walk), else true.
+    bool forEachUserProperty(bool inheritable, std::function<bool(scString const&, genericValue const&)> const& visit,
+                             bool stopOnFalse) const;
+
     std::uint32_t refCount() const override;
     std::uint32_t addRef() override;
     std::uint32_t release() override;
 
 private:
     friend class metamodel::classInfo;
+    friend class relationInfo;
     friend struct testAccess;
 
     // A defining field, and an inheriting one.
@@ -232,6 +257,12 @@ private:
     refPtr<fieldInfo> copyFor(refPtr<metamodel::classInfo> owner, string const& name) const;
 
     fieldInfo const& root() const noexcept;
+    struct semanticState;
+    semanticState semanticNow() const;
+    void restoreSemantic(semanticState former) noexcept;
+
+    template <class T>
+    bool findInherited(scString key, T& out) const;
     string expressionUnder(wchar_t const* key, int neededFlag) const;
     int flags() const noexcept;
     void clearOwner() noexcept;

@@ -82,6 +82,7 @@ refPtr<fieldInfo> fieldInfo::copyFor(refPtr<metamodel::classInfo> owner, string 
     to.mCustomSemanticString = mData->mCustomSemanticString.load();
     to.mSemanticAttribs = mData->mSemanticAttribs;
     to.mDefinitions = mData->mDefinitions;
+    to.mUserProperties = mData->mUserProperties;
     return copy;
 }
 
@@ -315,6 +316,16 @@ void fieldInfo::setSemantic(eFieldSemantics sem, genericSet const& attribs, stri
     }
 }
 
+fieldInfo::semanticState fieldInfo::semanticNow() const {
+    return {mData->mSemantic, mData->mCustomSemanticString, mData->mSemanticAttribs};
+}
+
+void fieldInfo::restoreSemantic(semanticState former) noexcept {
+    mData->mSemantic = former.mSemantic;
+    mData->mCustomSemanticString = former.mCustomSemanticString;
+    mData->mSemanticAttribs = std::move(former.mSemanticAttribs);
+}
+
 // ---- expressions, condition, equality
 
 bool fieldInfo::setDefaultExpression(string const& expression) {
@@ -389,6 +400,55 @@ valueEqFunction fieldInfo::valueEqFunc(bool inherit) const {
         if (field->mData->mDefinitions.getValue(definitions::equality, areEqual)) return areEqual;
         if (!inherit || !field->mData->mBaseField) return rowOf(field->mData->mType).areEqual;
     }
+}
+
+// ---- user properties
+
+void fieldInfo::setUserProperty(string const& name, string const& value, bool inheritable) {
+    setUserProperty(name, genericValue(value), inheritable);
+}
+
+void fieldInfo::setUserProperty(string const& name, refPtr<refObj> const& value, bool inheritable) {
+    setUserProperty(name, genericValue(value), inheritable);
+}
+
+void fieldInfo::setUserProperty(string const& name, genericValue const& value, bool inheritable) {
+    mData->mUserProperties.chosen(inheritable).setGenericValue(scString::createFrom(name), value, true);
+}
+
+bool fieldInfo::getUserProperty(string const& name, string& value, bool searchInherited) const {
+    return findProperty(mData->mUserProperties, fieldReading, name, value, searchInherited,
+                        [&](scString key) { return findInherited(key, value); });
+}
+
+bool fieldInfo::getUserProperty(string const& name, refPtr<refObj>& value, bool searchInherited) {
+    return findProperty(mData->mUserProperties, fieldReading, name, value, searchInherited,
+                        [&](scString key) { return findInherited(key, value); });
+}
+
+bool fieldInfo::getUserProperty(string const& name, const_refPtr<refObj>& value, bool searchInherited) const {
+    return findProperty(mData->mUserProperties, fieldReading, name, value, searchInherited,
+                        [&](scString key) { return findInherited(key, value); });
+}
+
+bool fieldInfo::getUserProperty(string const& name, genericValue& value, bool searchInherited) const {
+    return findProperty(mData->mUserProperties, fieldReading, name, value, searchInherited,
+                        [&](scString key) { return findInherited(key, value); });
+}
+
+// Along the base fields, nearest first; their private values are not seen.
+template <class T>
+bool fieldInfo::findInherited(scString key, T& out) const {
+    for (fieldInfo const* field = mData->mBaseField.get(); field; field = field->mData->mBaseField.get()) {
+        if (readProperty(field->mData->mUserProperties.mInheritable, key, out)) return true;
+    }
+    return false;
+}
+
+bool fieldInfo::forEachUserProperty(bool inheritable,
+                                    std::function<bool(scString const&, genericValue const&)> const& visit,
+                                    bool stopOnFalse) const {
+    return mData->mUserProperties.chosen(inheritable).forEach(visit, stopOnFalse);
 }
 
 } // namespace zov::metamodel

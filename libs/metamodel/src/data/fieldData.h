@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstdint>
 
+#include "parts/userProperties.h"
 #include "zovGenericSet.h"
 #include "zovMdlClassInfo.h"
 #include "zovMdlFieldInfo.h"
@@ -29,6 +30,7 @@ struct fieldData {
     std::atomic<scString> mCustomSemanticString{scString()};
     genericSet mSemanticAttribs;
     genericSet mDefinitions; // aliases, defaults, expressions, condition, equality: see parts/definitions.h
+    userProperties mUserProperties;
 };
 
 // The bits of mFlags.
@@ -37,6 +39,13 @@ enum eFieldFlag : std::int32_t {
     eFlagUnique = 2,
     eFlagAutoExpression = 4,
     eFlagConstantExpression = 8 // comes into a field by a copy of a whole word only
+};
+
+// A field's semantic with what goes with it, so that a change can be taken back.
+struct fieldInfo::semanticState {
+    eFieldSemantics mSemantic;
+    scString mCustomSemanticString;
+    genericSet mSemanticAttribs;
 };
 
 } // namespace zov::metamodel
