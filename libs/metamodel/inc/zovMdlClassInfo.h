@@ -23,6 +23,7 @@
 
 #include "zovGenericSet.h"
 #include "zovMdlFieldType.h"
+#include "zovMdlRelationType.h"
 #include "zovMetamodelApi.h"
 #include "zovRefPtr.h"
 #include "zovScString.h"
@@ -34,6 +35,7 @@ namespace zov::metamodel {
 class fieldInfo;
 class idInfo;
 class modelInfo;
+class relationInfo;
 struct classData;
 
 class ZOV_METAMODEL_API classInfo final : public iRefObj, public refObj {
@@ -149,12 +151,63 @@ public:
     // Whether `other`, that very object, is a direct or indirect base of this class.
     bool isDerivedFrom(const_refPtr<classInfo> const& other) const;
 
+    // ---- relations
+
+    // Creates a relation from a field of this class (or, with searchBaseClasses, of a direct base) to a class or to a
+    // field, files it with both classes, and gives the from field the relation semantic.
+    // An empty `name` becomes the from field's name; an empty `reverseName` the name of the from field's class,
+    // followed by a full stop and the from field's name for a relation to a field. To a field, a relation between the
+    // same two fields that is there already is returned instead. To a class, a further relation is created at every
+    // call. Fails "pFromFld" when there is no such field, "pFromFld->type()" when it has no type and leads to a class,
+    // and as the relation does when the target is empty; nothing has changed then. An empty pointer, and nothing
+    // changed, when memory is gone.
+    refPtr<relationInfo> createRelation(string const& fromFieldName, bool searchBaseClasses, refPtr<classInfo> toClass,
+                                        eRelationType type, string const& name, string const& reverseName);
+    refPtr<relationInfo> createRelation(string const& fromFieldName, bool searchBaseClasses,
+                                        refPtr<metamodel::fieldInfo> toField, eRelationType type, string const& name,
+                                        string const& reverseName);
+
+    // Call `visit` for each relation that leaves this class, or arrives at it, in the order of creation. Answer as
+    // forEachFieldInfo does.
+    bool forEachToRelation(std::function<bool(refPtr<relationInfo>)> const& visit, bool stopOnFalse) const;
+    bool forEachFromRelation(std::function<bool(refPtr<relationInfo>)> const& visit, bool stopOnFalse) const;
+
+    // The first relation of exactly this name that leaves this class, else, with searchBaseClasses, one of its bases,
+    // depth first; empty when there is none. Reverse names are not searched.
+    const_refPtr<relationInfo> toRelation(string const& name, bool searchBaseClasses) const;
+
+    // Reserved: answers an empty pointer and changes nothing.
+    refPtr<relationInfo> copyRelationFrom(const_refPtr<relationInfo>& other);
+    refPtr<relationInfo> copyRelationFrom(const_refPtr<relationInfo> const& other);
+
+    // ---- user properties
+
+    // Store a value of the host's under the name, for the class alone or, when inheritable, also for derived classes.
+    // Each of the two keeps its own values, so that one name may have both. A value under the name is replaced.
+    void setUserProperty(string const& name, string const& value, bool inheritable);
+    void setUserProperty(string const& name, refPtr<refObj> const& value, bool inheritable);
+    void setUserProperty(string const& name, genericValue const& value, bool inheritable);
+
+    // Read a value into `value`: the class's own, else its inheritable one, else, with searchInherited, the first
+    // inheritable one of its bases, depth first. A value that cannot be read as the asked type counts as not found, and
+    // the search goes on. Without searchInherited, only the text and object forms see the inheritable one. Answer
+    // whether there was one; `value` is as before otherwise.
+    bool getUserProperty(string const& name, string& value, bool searchInherited) const;
+    bool getUserProperty(string const& name, refPtr<refObj>& value, bool searchInherited);
+    bool getUserProperty(string const& name, const_refPtr<refObj>& value, bool searchInherited) const;
+    bool getUserProperty(string const& name, genericValue& value, bool searchInherited) const;
+
+    // Calls `visit` for each private or each inheritable property of the class's own, in some order. Answers false when
+    // a visit answered false and stopOnFalse is set (which ends the walk), else true.
+    bool forEachUserProperty(bool inheritable, std::function<bool(scString const&, genericValue const&)> const& visit,
+                             bool stopOnFalse) const;
+
     // ---- the end
 
-    // Lets go of everything that the class holds in cycles: its fields forget their class, and the class its
-    // fields, bases and derived classes. Names, label and aliases stay. For a class of no model; a model's classes
-    // are let go with the model. Allocates nothing, cannot fail, and may be called twice, by any thread, in the
-    // middle of a walk and beside readers.
+    // Lets go of everything that the class holds in cycles: its fields (and the fields that its relations made)
+    // forget their class, and the class its fields, bases, derived classes and relations. Names, properties, label and
+    // aliases stay. For a class of no model; a model's classes are let go with the model. Allocates nothing, cannot
+    // fail, and may be called twice, by any thread, in the middle of a walk and beside readers.
     void tearDown() noexcept;
 
     // A process-wide note that hosts leave for one another; the library does not read it. False at start.
@@ -180,6 +233,16 @@ private:
     refPtr<metamodel::fieldInfo> findField(std::wstring_view name, bool searchBaseClasses, bool searchAliases) const;
     refPtr<metamodel::fieldInfo> findCreated(std::wstring_view name) const;
     std::vector<refPtr<metamodel::fieldInfo>> identifyingFields() const;
+
+    refPtr<relationInfo> relationBetween(refPtr<metamodel::fieldInfo> const& fromField,
+                                         refPtr<metamodel::fieldInfo> const& toField) const;
+    template <class Target>
+    refPtr<relationInfo> createAndFile(refPtr<metamodel::fieldInfo> const& fromField, Target const& target,
+                                       eRelationType type, string const& name, string const& reverseName);
+    void fileRelation(refPtr<relationInfo> const& made);
+    const_refPtr<relationInfo> findRelation(scString name, bool searchBaseClasses) const;
+    template <class T>
+    bool findInherited(scString key, T& out) const;
 
     void addDerivedClass(refPtr<classInfo> derived);
     bool hasBaseClass(refPtr<classInfo> const& base) const;

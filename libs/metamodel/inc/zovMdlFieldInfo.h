@@ -14,6 +14,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <set>
 #include <vector>
@@ -29,6 +30,8 @@
 namespace zov::metamodel {
 
 class classInfo;
+class relationInfo;
+struct enumItem;
 struct fieldData;
 
 class ZOV_METAMODEL_API fieldInfo final : public iRefObj, public refObj {
@@ -111,7 +114,61 @@ public:
         std::set<eFieldType, signedLess> mTypes;
     };
 
+    // ---- default and null values
+
+    // The default value of a type: false, 0, the empty text, buffer or path; today's date, the present time or moment
+    // for date, time and timestamp. Answers false, with `out` as it was, for ePtr, eCustom and values that are no type.
+    static bool getDefaultFromType(eFieldType type, genericValue& out);
+
+    // A copy of the field's explicit default value; else, with `inherit`, of the nearest base field's that has one;
+    // else the default of the type. Answers false, with `out` as it was, when there is none of them.
+    bool getDefaultValue(genericValue& out, bool inherit) const;
+
+    // Gives the field an explicit default, of whatever type, in place of a former one. Answers true.
+    bool setDefaultValue(genericValue const& value);
+
+    // What stands for no value in a field of this type: false, 0, the empty text or buffer, 1900-01-01, midnight,
+    // 1900-01-01 at midnight, an empty path; the empty genericValue for ePtr and eCustom.
+    genericValue createNullValue() const;
+
+    // Whether a value counts as no value. Numbers, texts, dates, times, timestamps and buffers are compared with the
+    // null value, floating numbers with a tolerance of 1e-06 (not-a-number is not null); a value held as another type
+    // is converted first. For all other types only the empty genericValue is null. Throws false when the value, or no
+    // value, cannot be read as the field's type.
+    bool isNullValue(genericValue const& value) const;
+
+    // ---- items
+
+    // Read one item of an enum or bits field from "value, name" into `item`. Blanks in the value and around the name do
+    // not matter; further commas vanish from the name. The value is converted to the type; a type without a default
+    // keeps it as text. Answer false, with `item` as it was, when there is no comma or the value does not convert. Both
+    // read alike; bits are written as masks.
+    static bool parseEnumItem(string const& text, eFieldType type, enumItem& item);
+    static bool parseBitsItem(string const& text, eFieldType type, enumItem& item);
+
     // ---- semantic
+
+    // Reads a semantics text, whatever its letter case; the first rule that fits counts, and what it stores in
+    // `attribs` is in lower case:
+    //   the empty text             eSemNone
+    //   primkey...                 eSemPrimkey
+    //   length area volume monetary time date timestamp enum bits, the whole text    that semantic
+    //   ...custom(NAME)            eSemCustom, NAME under L"custom_semantic" as a string
+    //   ...relation(xA,B)          eSemRelation, the names without their first character x, blanks and the trailing
+    //                              parentheses under referencedClasses() as a std::vector<string>; eSemNone when none
+    //                              is left
+    // Answers false, with `sem` eSemNone, for any other text. Throws std::out_of_range when the text ends with
+    // "relation(".
+    static bool parseSemantics(string const& text, eFieldSemantics& sem, genericSet& attribs);
+
+    // The text of a semantic; the empty text for eSemPrimkey, eSemCustom, and values that are none.
+    static scString semanticStringFromType(eFieldSemantics sem);
+
+    // The key of the names that a relation's text refers to.
+    static wchar_t const* referencedClasses() noexcept;
+
+    // For a custom or relation semantic the root field's custom semantic text; else the text of the root field's type.
+    scString semanticString() const;
 
     // The root field's semantic, and this field's own attributes of it.
     eFieldSemantics semantic() const noexcept;
@@ -130,12 +187,63 @@ public:
     // Threads: safe beside readers and beside other calls for fields of the same class.
     void setSemantic(eFieldSemantics sem, genericSet const& attribs, string const& semStr);
 
+    // ---- expressions, condition, equality
+
+    // Texts for the host to evaluate. The library keeps them; getters fall back to the base field where the field's own
+    // text is empty. setDefaultExpression keeps an empty text, the other two erase their entry then.
+    // A constant expression is returned by a field that carries the flag for it, which no setter sets.
+    // Setters answer true.
+    bool setDefaultExpression(string const& expression);
+    bool setConstantExpression(string const& expression);
+    bool setAutoExpression(string const& expression);
+    string defaultExpression() const;
+    string constantExpression() const;
+    string autoExpression() const;
+
+    // A condition that values must satisfy. The field keeps a clone; null takes it away. Answers true.
+    bool setValueCondition(conditions::condition const* condition);
+
+    // The field's condition, else the base field's; null when there is none.
+    // Stays valid while the condition is not replaced and the field lives.
+    conditions::condition const* valueCondition() const;
+
+    // A function that compares two values of the field, in place of the type's own; null is kept like any other.
+    // Answers true.
+    bool setValueEqFunc(valueEqFunction areEqual);
+
+    // The field's function, else, with `inherit`, the base field's; else the type's own, which is null for binary,
+    // search path, pointer and custom types. The type's own function throws false when it cannot read a value.
+    valueEqFunction valueEqFunc(bool inherit) const;
+
+    // ---- user properties
+
+    // Store a value of the host's under the name, for the field alone or, when inheritable, also for fields that stand
+    // for it. Each of the two keeps its own values, so that one name may have both. A value under the name is replaced.
+    void setUserProperty(string const& name, string const& value, bool inheritable);
+    void setUserProperty(string const& name, refPtr<refObj> const& value, bool inheritable);
+    void setUserProperty(string const& name, genericValue const& value, bool inheritable);
+
+    // Read a value into `value`: the field's own, else its inheritable one, else, with searchInherited, the first
+    // inheritable one along its base fields. A value that cannot be read as the asked type counts as not found, and the
+    // search goes on. Without searchInherited, only the object forms see the inheritable one. Answer whether there was
+    // one; `value` is as before otherwise.
+    bool getUserProperty(string const& name, string& value, bool searchInherited) const;
+    bool getUserProperty(string const& name, refPtr<refObj>& value, bool searchInherited);
+    bool getUserProperty(string const& name, const_refPtr<refObj>& value, bool searchInherited) const;
+    bool getUserProperty(string const& name, genericValue& value, bool searchInherited) const;
+
+    // Calls `visit` for each private or each inheritable property of the field's own, in some order. Answers false when
+    // a visit answered false and stopOnFalse is set (which ends the walk), else true.
+    bool forEachUserProperty(bool inheritable, std::function<bool(scString const&, genericValue const&)> const& visit,
+                             bool stopOnFalse) const;
+
     std::uint32_t refCount() const override;
     std::uint32_t addRef() override;
     std::uint32_t release() override;
 
 private:
     friend class metamodel::classInfo;
+    friend class relationInfo;
     friend struct testAccess;
 
     // A defining field, and an inheriting one.
@@ -149,6 +257,13 @@ private:
     refPtr<fieldInfo> copyFor(refPtr<metamodel::classInfo> owner, string const& name) const;
 
     fieldInfo const& root() const noexcept;
+    struct semanticState;
+    semanticState semanticNow() const;
+    void restoreSemantic(semanticState former) noexcept;
+
+    template <class T>
+    bool findInherited(scString key, T& out) const;
+    string expressionUnder(wchar_t const* key, int neededFlag) const;
     int flags() const noexcept;
     void clearOwner() noexcept;
     void releaseInfo();

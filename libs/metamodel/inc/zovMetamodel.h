@@ -8,4 +8,6 @@
 #include "zovMdlFieldType.h"
 #include "zovMdlIdInfo.h"
 #include "zovMdlModelInfo.h"
+#include "zovMdlRelationInfo.h"
+#include "zovMdlRelationType.h"
 #include "zovVersion.h"

@@ -10,6 +10,8 @@
 #include "base/scopeExit.h"
 #include "base/sources.h"
 #include "data/classData.h"
+#include "data/fieldData.h"
+#include "data/relationData.h"
 #include "parts/aliases.h"
 #include "zovAssert.h"
 
@@ -48,6 +50,19 @@ bool hasClass(cowSlot<classTable> const& table, refPtr<classInfo> const& wanted)
 
 void addClass(cowSlot<classTable>& table, heldMutex const& held, refPtr<classInfo> const& added) {
     table.publish(held, [&](classTable& classes) { classes.emplace(added->scName(), added); });
+}
+
+template <class Container, class Action>
+void forEachIn(sharedPtr<Container const> const& snapshot, Action const& action) {
+    walk(snapshot, false, [&](auto const& element) {
+        action(element);
+        return true;
+    });
+}
+
+// "class.field" by the root's name, which an inheriting field's qualifiedName() lacks.
+string qualified(fieldInfo const& field) {
+    return field.classInfo()->scName().string() + L"." + field.scName().string();
 }
 
 string prefixed(wchar_t const* prefix, scString name) {
@@ -102,10 +117,12 @@ void classInfo::tearDown() noexcept {
     auto const fields = mData->mFieldInfos.clear(held);
     auto const bases = mData->mBaseClasses.clear(held);
     auto const derived = mData->mDerivedClasses.clear(held);
+    auto const from = mData->mFromRelations.clear(held);
+    auto const to = mData->mToRelations.clear(held);
     held.unlock();
-    if (!fields) return;
-    for (auto const& field : *fields)
-        field->clearOwner();
+    forEachIn(fields, [](refPtr<metamodel::fieldInfo> const& field) { field->clearOwner(); });
+    forEachIn(from, [](refPtr<relationInfo> const& relation) { relation->clearOwnField(); });
+    forEachIn(to, [](refPtr<relationInfo> const& relation) { relation->clearOwnField(); });
 }
 
 void classInfo::setIsClosing(bool isNow) noexcept {
@@ -365,6 +382,163 @@ bool classInfo::isBaseOf(const_refPtr<classInfo> const& other) const {
 bool classInfo::isDerivedFrom(const_refPtr<classInfo> const& other) const {
     return !walk(mData->mBaseClasses.snapshot(), true,
                  [&](entry const& base) { return base.second != other && !base.second->isDerivedFrom(other); });
+}
+
+// ---- relations
+
+refPtr<relationInfo> classInfo::createRelation(string const& fromFieldName, bool searchBaseClasses,
+                                               refPtr<classInfo> toClass, eRelationType type, string const& name,
+                                               string const& reverseName) {
+    auto const fromField = findField(fromFieldName, searchBaseClasses, false);
+    assertThat(bool(fromField), L"pFromFld", sources::classInfo, 688);
+    assertThat(fromField->type() != 0, L"pFromFld->type()", sources::classInfo, 689);
+    // KEEP CR-03: no test for a relation that is there already; to a class, every call makes a further one.
+    return emptyWithoutMemory([&] {
+        string const& seenFrom = name.empty() ? fromField->scName().string() : name;
+        string const seenBack = reverseName.empty() ? fromField->classInfo()->scName().string() : reverseName;
+        return createAndFile(fromField, toClass, type, seenFrom, seenBack);
+    });
+}
+
+refPtr<relationInfo> classInfo::createRelation(string const& fromFieldName, bool searchBaseClasses,
+                                               refPtr<metamodel::fieldInfo> toField, eRelationType type,
+                                               string const& name, string const& reverseName) {
+    auto const fromField = findField(fromFieldName, searchBaseClasses, false);
+    assertThat(bool(fromField), L"pFromFld", sources::classInfo, 653);
+    if (auto known = toField ? relationBetween(fromField, toField) : nullptr) return known;
+    return emptyWithoutMemory([&] {
+        string const& seenFrom = name.empty() ? fromField->scName().string() : name;
+        string const seenBack = reverseName.empty() ? qualified(*fromField) : reverseName;
+        return createAndFile(fromField, toField, type, seenFrom, seenBack);
+    });
+}
+
+// The relation that leaves this class and leads from the one field to the other, or null.
+refPtr<relationInfo> classInfo::relationBetween(refPtr<metamodel::fieldInfo> const& fromField,
+                                                refPtr<metamodel::fieldInfo> const& toField) const {
+    refPtr<relationInfo> found;
+    walk(mData->mToRelations.snapshot(), true, [&](refPtr<relationInfo> const& relation) {
+        bool const same = relation->fromClassInfo() == fromField->classInfo() &&
+                          relation->toClassInfo() == toField->classInfo() &&
+                          relation->toFieldInfo(fromField) == toField;
+        if (same) found = relation;
+        return !same;
+    });
+    return found;
+}
+
+// Making the relation gives the from field its semantic; when it cannot be filed after that, the former one comes back.
+template <class Target>
+refPtr<relationInfo> classInfo::createAndFile(refPtr<metamodel::fieldInfo> const& fromField, Target const& target,
+                                              eRelationType type, string const& name, string const& reverseName) {
+    auto former = fromField->semanticNow();
+    refPtr<relationInfo> made(new relationInfo(fromField, target, type, name, reverseName));
+    scopeExit restored([&] { fromField->restoreSemantic(std::move(former)); });
+    fileRelation(made);
+    restored.callOff();
+    return made;
+}
+
+// Files the relation with this class and with its target: with both or with neither.
+void classInfo::fileRelation(refPtr<relationInfo> const& made) {
+    auto const target = made->targetClass();
+    auto const append = [&](relationList& relations) { relations.push_back(made); };
+    cowSlot<relationList>::snapshotPtr leaving;
+    cowSlot<relationList>::snapshotPtr arriving;
+    bool const isOwnTarget = target == this;
+    heldMutex own(mData->mMutex, std::defer_lock);
+    heldMutex other(target->mData->mMutex, std::defer_lock);
+    isOwnTarget ? own.lock() : std::lock(own, other);
+    leaving = mData->mToRelations.prepare(own, append);
+    arriving = target->mData->mFromRelations.prepare(isOwnTarget ? own : other, append);
+    mData->mToRelations.publishPrepared(own, leaving);
+    target->mData->mFromRelations.publishPrepared(isOwnTarget ? own : other, arriving);
+}
+
+bool classInfo::forEachToRelation(std::function<bool(refPtr<relationInfo>)> const& visit, bool stopOnFalse) const {
+    return walk(mData->mToRelations.snapshot(), stopOnFalse,
+                [&](refPtr<relationInfo> const& relation) { return !relation || visit(relation); });
+}
+
+bool classInfo::forEachFromRelation(std::function<bool(refPtr<relationInfo>)> const& visit, bool stopOnFalse) const {
+    return walk(mData->mFromRelations.snapshot(), stopOnFalse,
+                [&](refPtr<relationInfo> const& relation) { return !relation || visit(relation); });
+}
+
+const_refPtr<relationInfo> classInfo::toRelation(string const& name, bool searchBaseClasses) const {
+    auto const key = lookupKey(name, true);
+    return key ? findRelation(*key, searchBaseClasses) : nullptr;
+}
+
+const_refPtr<relationInfo> classInfo::findRelation(scString name, bool searchBaseClasses) const {
+    const_refPtr<relationInfo> found;
+    walk(mData->mToRelations.snapshot(), true, [&](refPtr<relationInfo> const& relation) {
+        if (relation && relation->scName() == name) found = relation;
+        return !found;
+    });
+    if (found || !searchBaseClasses) return found;
+    walk(mData->mBaseClasses.snapshot(), true, [&](entry const& base) {
+        found = base.second->findRelation(name, true);
+        return !found;
+    });
+    return found;
+}
+
+// KEEP CR-12: reserved; nothing is copied.
+refPtr<relationInfo> classInfo::copyRelationFrom(const_refPtr<relationInfo>&) {
+    return nullptr;
+}
+refPtr<relationInfo> classInfo::copyRelationFrom(const_refPtr<relationInfo> const&) {
+    return nullptr;
+}
+
+// ---- user properties
+
+void classInfo::setUserProperty(string const& name, string const& value, bool inheritable) {
+    setUserProperty(name, genericValue(value), inheritable);
+}
+
+void classInfo::setUserProperty(string const& name, refPtr<refObj> const& value, bool inheritable) {
+    setUserProperty(name, genericValue(value), inheritable);
+}
+
+void classInfo::setUserProperty(string const& name, genericValue const& value, bool inheritable) {
+    mData->mUserProperties.chosen(inheritable).setGenericValue(scString::createFrom(name), value, true);
+}
+
+bool classInfo::getUserProperty(string const& name, string& value, bool searchInherited) const {
+    return findProperty(mData->mUserProperties, classReading, name, value, searchInherited,
+                        [&](scString key) { return findInherited(key, value); });
+}
+
+bool classInfo::getUserProperty(string const& name, refPtr<refObj>& value, bool searchInherited) {
+    return findProperty(mData->mUserProperties, classReading, name, value, searchInherited,
+                        [&](scString key) { return findInherited(key, value); });
+}
+
+bool classInfo::getUserProperty(string const& name, const_refPtr<refObj>& value, bool searchInherited) const {
+    return findProperty(mData->mUserProperties, classReading, name, value, searchInherited,
+                        [&](scString key) { return findInherited(key, value); });
+}
+
+bool classInfo::getUserProperty(string const& name, genericValue& value, bool searchInherited) const {
+    return findProperty(mData->mUserProperties, classReading, name, value, searchInherited,
+                        [&](scString key) { return findInherited(key, value); });
+}
+
+// Through the bases, depth first in key order; their private values are not seen.
+template <class T>
+bool classInfo::findInherited(scString key, T& out) const {
+    return !walk(mData->mBaseClasses.snapshot(), true, [&](entry const& base) {
+        return !readProperty(base.second->mData->mUserProperties.mInheritable, key, out) &&
+               !base.second->findInherited(key, out);
+    });
+}
+
+bool classInfo::forEachUserProperty(bool inheritable,
+                                    std::function<bool(scString const&, genericValue const&)> const& visit,
+                                    bool stopOnFalse) const {
+    return mData->mUserProperties.chosen(inheritable).forEach(visit, stopOnFalse);
 }
 
 } // namespace zov::metamodel

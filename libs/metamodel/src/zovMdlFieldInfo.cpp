@@ -10,6 +10,8 @@
 #include "data/classData.h"
 #include "data/fieldData.h"
 #include "parts/aliases.h"
+#include "parts/definitions.h"
+#include "parts/enumItems.h"
 #include "parts/fieldSemantics.h"
 #include "parts/fieldTypes.h"
 #include "zovAssert.h"
@@ -80,6 +82,7 @@ refPtr<fieldInfo> fieldInfo::copyFor(refPtr<metamodel::classInfo> owner, string 
     to.mCustomSemanticString = mData->mCustomSemanticString.load();
     to.mSemanticAttribs = mData->mSemanticAttribs;
     to.mDefinitions = mData->mDefinitions;
+    to.mUserProperties = mData->mUserProperties;
     return copy;
 }
 
@@ -186,7 +189,7 @@ bool fieldInfo::parseType(string const& text, eFieldType& type, unsigned long& l
 }
 
 scString fieldInfo::typeStringFromType(eFieldType type) {
-    return typeText(type);
+    return scString::createFrom(rowOf(type).text);
 }
 
 eFieldType fieldInfo::type() const noexcept {
@@ -196,7 +199,7 @@ eFieldType fieldInfo::type() const noexcept {
 scString fieldInfo::typeString() const {
     fieldInfo const& defining = root();
     eFieldType const type = defining.mData->mType;
-    return type == eCustom ? defining.customTypeString() : typeText(type);
+    return type == eCustom ? defining.customTypeString() : typeStringFromType(type);
 }
 
 scString fieldInfo::customTypeString() const noexcept {
@@ -220,7 +223,71 @@ bool fieldInfo::hasTypeFunc::operator()(const_refPtr<fieldInfo> const& field) co
     return mTypes.contains(field->type());
 }
 
+// ---- default and null values
+
+bool fieldInfo::getDefaultFromType(eFieldType type, genericValue& out) {
+    auto const makeDefault = rowOf(type).makeDefault;
+    if (!makeDefault) return false;
+    out = makeDefault();
+    return true;
+}
+
+bool fieldInfo::getDefaultValue(genericValue& out, bool inherit) const {
+    static scString const key = scString::createFrom(definitions::defaultValue);
+    fieldInfo const* field = this;
+    for (;; field = field->mData->mBaseField.get()) {
+        if (auto const stored = field->mData->mDefinitions.genericValue(key)) {
+            out = *stored;
+            return true;
+        }
+        if (!inherit || !field->mData->mBaseField) return getDefaultFromType(field->mData->mType, out);
+    }
+}
+
+bool fieldInfo::setDefaultValue(genericValue const& value) {
+    mData->mDefinitions.setGenericValue(scString::createFrom(definitions::defaultValue), value, true);
+    return true;
+}
+
+genericValue fieldInfo::createNullValue() const {
+    return rowOf(mData->mType).makeNull();
+}
+
+bool fieldInfo::isNullValue(genericValue const& value) const {
+    return rowOf(mData->mType).isNull(value);
+}
+
+// ---- items
+
+bool fieldInfo::parseEnumItem(string const& text, eFieldType type, enumItem& item) {
+    return parseItemText(text, type, item);
+}
+
+bool fieldInfo::parseBitsItem(string const& text, eFieldType type, enumItem& item) {
+    return parseItemText(text, type, item);
+}
+
 // ---- semantic
+
+bool fieldInfo::parseSemantics(string const& text, eFieldSemantics& sem, genericSet& attribs) {
+    return parseSemanticsText(text, sem, attribs);
+}
+
+scString fieldInfo::semanticStringFromType(eFieldSemantics sem) {
+    return semanticText(sem);
+}
+
+wchar_t const* fieldInfo::referencedClasses() noexcept {
+    return referencedClassesKey;
+}
+
+// KEEP FS-12: for ordinary semantics this is the text of the type, not of the semantic.
+scString fieldInfo::semanticString() const {
+    fieldData const& defining = *root().mData;
+    eFieldSemantics const sem = defining.mSemantic;
+    if (sem == eSemCustom || sem == eSemRelation) return defining.mCustomSemanticString;
+    return typeStringFromType(defining.mType);
+}
 
 eFieldSemantics fieldInfo::semantic() const noexcept {
     return root().mData->mSemantic;
@@ -247,6 +314,141 @@ void fieldInfo::setSemantic(eFieldSemantics sem, genericSet const& attribs, stri
         mData->mType = formerType;
         mData->mCustomSemanticString = scString();
     }
+}
+
+fieldInfo::semanticState fieldInfo::semanticNow() const {
+    return {mData->mSemantic, mData->mCustomSemanticString, mData->mSemanticAttribs};
+}
+
+void fieldInfo::restoreSemantic(semanticState former) noexcept {
+    mData->mSemantic = former.mSemantic;
+    mData->mCustomSemanticString = former.mCustomSemanticString;
+    mData->mSemanticAttribs = std::move(former.mSemanticAttribs);
+}
+
+// ---- expressions, condition, equality
+
+bool fieldInfo::setDefaultExpression(string const& expression) {
+    return mData->mDefinitions.setValue(definitions::defaultExpression, expression, false);
+}
+
+bool fieldInfo::setConstantExpression(string const& expression) {
+    // KEEP FE-03: the flag under which the text is read is cleared with it, but never set.
+    if (!expression.empty()) return mData->mDefinitions.setValue(definitions::constantExpression, expression, false);
+    mData->mDefinitions.erase(scString::createFrom(definitions::constantExpression));
+    setFlag(mData->mFlags, eFlagConstantExpression, false);
+    return true;
+}
+
+bool fieldInfo::setAutoExpression(string const& expression) {
+    if (expression.empty()) {
+        mData->mDefinitions.erase(scString::createFrom(definitions::autoExpression));
+    } else {
+        mData->mDefinitions.setValue(definitions::autoExpression, expression, false);
+    }
+    setFlag(mData->mFlags, eFlagAutoExpression, !expression.empty());
+    return true;
+}
+
+string fieldInfo::defaultExpression() const {
+    return expressionUnder(definitions::defaultExpression, 0);
+}
+
+string fieldInfo::constantExpression() const {
+    return expressionUnder(definitions::constantExpression, eFlagConstantExpression);
+}
+
+string fieldInfo::autoExpression() const {
+    return expressionUnder(definitions::autoExpression, 0);
+}
+
+// The first text along the chain that is not empty; only fields that have the needed flag are asked.
+string fieldInfo::expressionUnder(wchar_t const* key, int neededFlag) const {
+    string expression;
+    for (fieldInfo const* field = this; field && expression.empty(); field = field->mData->mBaseField.get()) {
+        if ((field->mData->mFlags & neededFlag) == neededFlag) field->mData->mDefinitions.getValue(key, expression);
+    }
+    return expression;
+}
+
+bool fieldInfo::setValueCondition(conditions::condition const* condition) {
+    if (condition) {
+        sharedPtr<conditions::condition> const copy(condition->clone());
+        return mData->mDefinitions.setValue(definitions::valueCondition, copy, false);
+    }
+    mData->mDefinitions.erase(scString::createFrom(definitions::valueCondition));
+    return true;
+}
+
+conditions::condition const* fieldInfo::valueCondition() const {
+    for (fieldInfo const* field = this; field; field = field->mData->mBaseField.get()) {
+        sharedPtr<conditions::condition>* stored = nullptr;
+        if (field->mData->mDefinitions.getValuePtr(definitions::valueCondition, stored)) return stored->get();
+    }
+    return nullptr;
+}
+
+bool fieldInfo::setValueEqFunc(valueEqFunction areEqual) {
+    mData->mDefinitions.setValue(definitions::equality, areEqual, true);
+    return true;
+}
+
+valueEqFunction fieldInfo::valueEqFunc(bool inherit) const {
+    fieldInfo const* field = this;
+    for (;; field = field->mData->mBaseField.get()) {
+        valueEqFunction areEqual = nullptr;
+        if (field->mData->mDefinitions.getValue(definitions::equality, areEqual)) return areEqual;
+        if (!inherit || !field->mData->mBaseField) return rowOf(field->mData->mType).areEqual;
+    }
+}
+
+// ---- user properties
+
+void fieldInfo::setUserProperty(string const& name, string const& value, bool inheritable) {
+    setUserProperty(name, genericValue(value), inheritable);
+}
+
+void fieldInfo::setUserProperty(string const& name, refPtr<refObj> const& value, bool inheritable) {
+    setUserProperty(name, genericValue(value), inheritable);
+}
+
+void fieldInfo::setUserProperty(string const& name, genericValue const& value, bool inheritable) {
+    mData->mUserProperties.chosen(inheritable).setGenericValue(scString::createFrom(name), value, true);
+}
+
+bool fieldInfo::getUserProperty(string const& name, string& value, bool searchInherited) const {
+    return findProperty(mData->mUserProperties, fieldReading, name, value, searchInherited,
+                        [&](scString key) { return findInherited(key, value); });
+}
+
+bool fieldInfo::getUserProperty(string const& name, refPtr<refObj>& value, bool searchInherited) {
+    return findProperty(mData->mUserProperties, fieldReading, name, value, searchInherited,
+                        [&](scString key) { return findInherited(key, value); });
+}
+
+bool fieldInfo::getUserProperty(string const& name, const_refPtr<refObj>& value, bool searchInherited) const {
+    return findProperty(mData->mUserProperties, fieldReading, name, value, searchInherited,
+                        [&](scString key) { return findInherited(key, value); });
+}
+
+bool fieldInfo::getUserProperty(string const& name, genericValue& value, bool searchInherited) const {
+    return findProperty(mData->mUserProperties, fieldReading, name, value, searchInherited,
+                        [&](scString key) { return findInherited(key, value); });
+}
+
+// Along the base fields, nearest first; their private values are not seen.
+template <class T>
+bool fieldInfo::findInherited(scString key, T& out) const {
+    for (fieldInfo const* field = mData->mBaseField.get(); field; field = field->mData->mBaseField.get()) {
+        if (readProperty(field->mData->mUserProperties.mInheritable, key, out)) return true;
+    }
+    return false;
+}
+
+bool fieldInfo::forEachUserProperty(bool inheritable,
+                                    std::function<bool(scString const&, genericValue const&)> const& visit,
+                                    bool stopOnFalse) const {
+    return mData->mUserProperties.chosen(inheritable).forEach(visit, stopOnFalse);
 }
 
 } // namespace zov::metamodel

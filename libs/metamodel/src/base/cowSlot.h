@@ -30,12 +30,21 @@ public:
 
     // Publishes a copy to which `change` has been applied. When anything throws, nothing has changed.
     template <class Change>
-    void publish(heldMutex const&, Change const& change) {
+    void publish(heldMutex const& held, Change const& change) {
+        snapshotPtr next = prepare(held, change);
+        publishPrepared(held, next);
+    }
+
+    // The two halves of publish, for changes of several slots of which all or none may happen: what can fail, and what
+    // cannot. The former container is left in `next`.
+    template <class Change>
+    snapshotPtr prepare(heldMutex const&, Change const& change) const {
         snapshotPtr const current = snapshot();
         auto next = current ? std::make_unique<Container>(*current) : std::make_unique<Container>();
         change(*next);
-        mPublished.reset(next.release());
+        return snapshotPtr(next.release());
     }
+    void publishPrepared(heldMutex const&, snapshotPtr& next) noexcept { mPublished.exchange(next); }
 
     // Publishes the empty container and answers what was there, for the caller to end.
     snapshotPtr clear(heldMutex const&) noexcept {

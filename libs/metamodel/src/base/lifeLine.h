@@ -14,8 +14,9 @@ struct lifeLineSite {
     long line;
 };
 
-// Writes one line: `format` with `name` for its %s, if it has one. Nothing is formatted while the level is off.
-// Fails "m_p != NULL" when there is no logger.
-void writeLifeLine(lifeLineSite const& site, wchar_t const* format, string const& name = {});
+// Writes one line: `format` with the names for its %s, as far as it has any. Nothing is formatted while the level is
+// off. Fails "m_p != NULL" when there is no logger.
+void writeLifeLine(lifeLineSite const& site, wchar_t const* format, string const& name = {},
+                   string const& otherName = {});
 
 } // namespace zov::metamodel

@@ -8,6 +8,7 @@ namespace zov::metamodel::sources {
 inline constexpr char const* modelInfo = "libs/metamodel/src/zovMdlModelInfo.cpp";
 inline constexpr char const* classInfo = "libs/metamodel/src/zovMdlClassInfo.cpp";
 inline constexpr char const* fieldInfo = "libs/metamodel/src/zovMdlFieldInfo.cpp";
+inline constexpr char const* relationInfo = "libs/metamodel/src/zovMdlRelationInfo.cpp";
 inline constexpr char const* idInfo = "libs/metamodel/src/zovMdlIdInfo.cpp";
 
 } // namespace zov::metamodel::sources

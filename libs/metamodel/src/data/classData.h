@@ -8,14 +8,17 @@
 #include <vector>
 
 #include "base/cowSlot.h"
+#include "parts/userProperties.h"
 #include "zovGenericSet.h"
 #include "zovMdlClassInfo.h"
 #include "zovMdlFieldInfo.h"
 #include "zovMdlIdInfo.h"
+#include "zovMdlRelationInfo.h"
 
 namespace zov::metamodel {
 
 using classTable = std::map<scString, refPtr<classInfo>>;
+using relationList = std::vector<refPtr<relationInfo>>;
 using fieldList = std::vector<refPtr<fieldInfo>>;
 
 struct classData {
@@ -31,7 +34,10 @@ struct classData {
     cowSlot<classTable> mBaseClasses;
     cowSlot<classTable> mDerivedClasses;
     cowSlot<fieldList> mFieldInfos;
-    genericSet mProperties; // "Alias": the alias list
+    cowSlot<relationList> mFromRelations; // those that arrive at this class
+    cowSlot<relationList> mToRelations;   // those that leave it
+    genericSet mProperties;               // "Alias": the alias list
+    userProperties mUserProperties;
 };
 
 } // namespace zov::metamodel

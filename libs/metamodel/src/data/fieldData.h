@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstdint>
 
+#include "parts/userProperties.h"
 #include "zovGenericSet.h"
 #include "zovMdlClassInfo.h"
 #include "zovMdlFieldInfo.h"
@@ -28,10 +29,23 @@ struct fieldData {
     std::atomic<eFieldSemantics> mSemantic{eSemNone};
     std::atomic<scString> mCustomSemanticString{scString()};
     genericSet mSemanticAttribs;
-    genericSet mDefinitions; // "Alias": never a list that anyone finds
+    genericSet mDefinitions; // aliases, defaults, expressions, condition, equality: see parts/definitions.h
+    userProperties mUserProperties;
 };
 
-// The bits of mFlags that belong to a field itself.
-enum eFieldFlag : std::int32_t { eFlagMandatory = 1, eFlagUnique = 2 };
+// The bits of mFlags.
+enum eFieldFlag : std::int32_t {
+    eFlagMandatory = 1,
+    eFlagUnique = 2,
+    eFlagAutoExpression = 4,
+    eFlagConstantExpression = 8 // comes into a field by a copy of a whole word only
+};
+
+// A field's semantic with what goes with it, so that a change can be taken back.
+struct fieldInfo::semanticState {
+    eFieldSemantics mSemantic;
+    scString mCustomSemanticString;
+    genericSet mSemanticAttribs;
+};
 
 } // namespace zov::metamodel

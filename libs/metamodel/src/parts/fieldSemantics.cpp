@@ -1,6 +1,7 @@
 #include "parts/fieldSemantics.h"
 
 #include <initializer_list>
+#include <string_view>
 #include <vector>
 
 #include "base/sources.h"
@@ -10,6 +11,44 @@
 namespace zov::metamodel {
 
 namespace {
+
+constexpr wchar_t const* customNameKey = L"custom_semantic";
+
+struct semanticRow {
+    eFieldSemantics sem;
+    std::wstring_view text;
+};
+
+// Semantics that their whole text names.
+constexpr semanticRow plainSemantics[] = {
+    {eSemLength, L"length"},       {eSemArea, L"area"}, {eSemVolume, L"volume"},
+    {eSemMonetary, L"monetary"},   {eSemTime, L"time"}, {eSemDate, L"date"},
+    {eSemTimestamp, L"timestamp"}, {eSemEnum, L"enum"}, {eSemBits, L"bits"},
+};
+
+constexpr std::wstring_view primkeyText = L"primkey";
+constexpr std::wstring_view customOpening = L"custom(";
+constexpr std::wstring_view relationOpening = L"relation(";
+
+// What stands behind "custom(", spaces included.
+void parseCustom(string const& text, std::size_t argument, genericSet& attribs) {
+    string name(text.substr(argument));
+    name.deleteTrailing(L')');
+    attribs.setValue(customNameKey, name, false);
+}
+
+// The classes that stand behind "relation(". Answers eSemNone when there is none.
+eFieldSemantics parseRelation(string const& text, std::size_t argument, genericSet& attribs) {
+    // KEEP FS-08: the argument is taken to begin one character late, so that its first one is lost; a text that ends
+    // at the parenthesis is out of range.
+    string classes(text.substr(argument + 1));
+    classes.deleteTrailing(L')').deleteAll(L" \t");
+    std::vector<string> names;
+    classes.splitAt(L",", names, false);
+    if (names.empty()) return eSemNone;
+    attribs.setValue(referencedClassesKey, names, false);
+    return eSemRelation;
+}
 
 // A type that a semantic accepts, and the report when the field has none of those. Hosts match on text and line.
 struct typeDemand {
@@ -34,7 +73,7 @@ void demandItems(genericSet const& attribs, int line) {
 scString customName(genericSet const& attribs, string const& semStr) {
     if (!semStr.empty()) return scString::createFrom(semStr);
     string* name = nullptr;
-    bool const named = attribs.getValuePtr(L"custom_semantic", name) && !name->empty();
+    bool const named = attribs.getValuePtr(customNameKey, name) && !name->empty();
     assertThat(named, L"semStr.length()", sources::fieldInfo, 634);
     return scString::createFrom(*name);
 }
@@ -68,6 +107,40 @@ void applySemantic(fieldData& field, eFieldSemantics sem, genericSet const& attr
         break;
     default: break; // the others ask for nothing and change nothing else
     }
+}
+
+bool parseSemanticsText(string const& text, eFieldSemantics& sem, genericSet& attribs) {
+    string const folded = text.lower();
+    sem = eSemNone;
+    if (folded.empty()) return true;
+    if (folded.starts_with(primkeyText)) {
+        sem = eSemPrimkey;
+        return true;
+    }
+    for (auto const& row : plainSemantics) {
+        if (folded != row.text) continue;
+        sem = row.sem;
+        return true;
+    }
+    if (auto const found = folded.find(customOpening); found != string::npos) {
+        parseCustom(folded, found + customOpening.size(), attribs);
+        sem = eSemCustom;
+        return true;
+    }
+    if (auto const found = folded.find(relationOpening); found != string::npos) {
+        sem = parseRelation(folded, found + relationOpening.size(), attribs);
+        return true;
+    }
+    return false;
+}
+
+// KEEP FS-10: keys and custom semantics have no text here, although the parser reads one.
+scString semanticText(eFieldSemantics sem) {
+    if (sem == eSemRelation) return scString::createFrom(L"relation");
+    for (auto const& row : plainSemantics) {
+        if (row.sem == sem) return scString::createFrom(row.text);
+    }
+    return scString();
 }
 
 } // namespace zov::metamodel

@@ -1,23 +1,104 @@
 #include "parts/fieldTypes.h"
 
-#include <string_view>
+#include <cmath>
+#include <type_traits>
 
 namespace zov::metamodel {
 
 namespace {
 
-// One row a type that has a text, in the order of values.
-struct typeRow {
-    eFieldType type;
-    std::wstring_view text;
+// A value below this magnitude is no number to speak of.
+constexpr double nullThreshold = 1e-06;
+
+template <class T>
+bool isNothing(T const& value) {
+    if constexpr (std::is_floating_point_v<T>) {
+        return std::fabs(static_cast<double>(value)) < nullThreshold; // never for not-a-number
+    } else {
+        return value == T();
+    }
+}
+
+// A value's own start: false, 0, the empty text or buffer, 1900-01-01 at midnight, the empty path.
+template <class T>
+genericValue makeStart() {
+    return genericValue(T());
+}
+
+genericValue makeToday() {
+    return genericValue(date::today());
+}
+genericValue makeTimeNow() {
+    return genericValue(zov::time::now());
+}
+genericValue makeTimestampNow() {
+    return genericValue(timestamp::now());
+}
+genericValue makeNothing() {
+    return genericValue();
+}
+
+template <class T>
+T readAs(genericValue const& value) {
+    T read{};
+    if (!value.getValue(read)) throw false;
+    return read;
+}
+
+template <class T>
+bool isNullAs(genericValue const& value) {
+    T const* const held = value.valuePtr<T>();
+    return isNothing(held ? *held : readAs<T>(value));
+}
+
+bool isNullWhenEmpty(genericValue const& value) {
+    return value.isEmpty();
+}
+
+template <class T>
+bool areEqualAs(genericValue const& left, genericValue const& right) {
+    return readAs<T>(left) == readAs<T>(right);
+}
+
+// A type whose default is its null value.
+template <class T>
+constexpr fieldTypeRow plainRow(eFieldType type, std::wstring_view text) {
+    return {type, text, &makeStart<T>, &makeStart<T>, &isNullAs<T>, &areEqualAs<T>};
+}
+
+// KEEP FV-04: the default is the present moment and thus never null, while the null value is that of 1900.
+template <class T>
+constexpr fieldTypeRow momentRow(eFieldType type, std::wstring_view text, genericValue (*present)()) {
+    return {type, text, present, &makeStart<T>, &isNullAs<T>, &areEqualAs<T>};
+}
+
+// A type of which any value at all counts as one.
+template <class T>
+constexpr fieldTypeRow pathRow(eFieldType type, std::wstring_view text, valueEqFunction areEqual) {
+    return {type, text, &makeStart<T>, &makeStart<T>, &isNullWhenEmpty, areEqual};
+}
+
+// In the order of values.
+constexpr fieldTypeRow typeRows[] = {
+    plainRow<bool>(eBool, L"bool"),
+    plainRow<short>(eShort, L"short"),
+    plainRow<int>(eInt, L"int"),
+    plainRow<long>(eLong, L"long"),
+    plainRow<float>(eFloat, L"float"),
+    plainRow<double>(eDouble, L"double"),
+    plainRow<string>(eString, L"string"),
+    momentRow<date>(eDate, L"date", &makeToday),
+    momentRow<zov::time>(eTime, L"time", &makeTimeNow),
+    momentRow<timestamp>(eTimestamp, L"timestamp", &makeTimestampNow),
+    {eBinary, L"binary", &makeStart<binaryBuffer>, &makeStart<binaryBuffer>, &isNullAs<binaryBuffer>, nullptr},
+    pathRow<directory>(eDirectory, L"directory", &areEqualAs<directory>),
+    pathRow<file>(eFile, L"file", &areEqualAs<file>),
+    pathRow<searchPath>(eSearchPath, L"searchpath", nullptr),
+    {ePtr, L"ptr", nullptr, &makeNothing, &isNullWhenEmpty, nullptr},
 };
 
-constexpr typeRow typeRows[] = {
-    {eBool, L"bool"},   {eShort, L"short"},           {eInt, L"int"},       {eLong, L"long"},
-    {eFloat, L"float"}, {eDouble, L"double"},         {eString, L"string"}, {eDate, L"date"},
-    {eTime, L"time"},   {eTimestamp, L"timestamp"},   {eBinary, L"binary"}, {eDirectory, L"directory"},
-    {eFile, L"file"},   {eSearchPath, L"searchpath"}, {ePtr, L"ptr"},
-};
+// eCustom, and values that are no type.
+constexpr fieldTypeRow noType = {eCustom, L"", nullptr, &makeNothing, &isNullWhenEmpty, nullptr};
 
 constexpr std::wstring_view stringText = L"string";
 
@@ -56,11 +137,11 @@ bool parseTypeText(string const& text, eFieldType& type, unsigned long& length) 
     return false;
 }
 
-scString typeText(eFieldType type) {
+fieldTypeRow const& rowOf(eFieldType type) noexcept {
     for (auto const& row : typeRows) {
-        if (row.type == type) return scString::createFrom(row.text);
+        if (row.type == type) return row;
     }
-    return scString();
+    return noType;
 }
 
 } // namespace zov::metamodel

@@ -1,0 +1,30 @@
+// What a relation holds.
+#pragma once
+
+#include <mutex>
+#include <utility>
+#include <vector>
+
+#include "base/cowSlot.h"
+#include "zovGenericSet.h"
+#include "zovMdlFieldInfo.h"
+#include "zovMdlRelationInfo.h"
+
+namespace zov::metamodel {
+
+// A field of the source class and the field of the target class that it refers to.
+using fieldPair = std::pair<refPtr<fieldInfo>, refPtr<fieldInfo>>;
+using fieldPairs = std::vector<fieldPair>;
+
+struct relationData {
+    explicit relationData(eRelationType type) : mType(type) {}
+
+    std::recursive_mutex mMutex; // held while a pair is added
+    eRelationType const mType;
+    cowSlot<fieldPairs> mRelations;
+    refPtr<fieldInfo> mOwnField; // the target field that a relation to a class made for itself
+    scString mName;
+    scString mReverseName;
+};
+
+} // namespace zov::metamodel
