@@ -94,9 +94,13 @@ public:
 
     // A text is not a flag.
     template <class T>
-    refPtr<metamodel::fieldInfo> fieldInfo(string const&, T const*, bool) const = delete;
+    void fieldInfo(string const&, T const*, bool) = delete;
     template <class T>
-    refPtr<metamodel::fieldInfo> fieldInfo(string const&, bool, T const*) const = delete;
+    void fieldInfo(string const&, T const*, bool) const = delete;
+    template <class T>
+    void fieldInfo(string const&, bool, T const*) = delete;
+    template <class T>
+    void fieldInfo(string const&, bool, T const*) const = delete;
 
     // Calls `visit` for each field of the class's own, in the order of creation. Answers false when a visit
     // answered false and stopOnFalse is set (which ends the walk), else true. An empty function throws
@@ -228,7 +232,7 @@ private:
     void destroy() override;
 
     int flags() const;
-    void releaseInfo();
+    ZOV_METAMODEL_LOCAL void releaseInfo();
 
     refPtr<metamodel::fieldInfo> findField(std::wstring_view name, bool searchBaseClasses, bool searchAliases) const;
     refPtr<metamodel::fieldInfo> findCreated(std::wstring_view name) const;

@@ -266,7 +266,7 @@ private:
     string expressionUnder(wchar_t const* key, int neededFlag) const;
     int flags() const noexcept;
     void clearOwner() noexcept;
-    void releaseInfo();
+    ZOV_METAMODEL_LOCAL void releaseInfo();
 
     std::unique_ptr<fieldData> mData;
 };

@@ -81,11 +81,17 @@ public:
 
     // A text is not a flag.
     template <class T>
-    refPtr<metamodel::classInfo> classInfo(string const&, T const*) const = delete;
+    void classInfo(string const&, T const*) = delete;
     template <class T>
-    refPtr<metamodel::fieldInfo> fieldInfo(string const&, T const*) const = delete;
+    void classInfo(string const&, T const*) const = delete;
     template <class T>
-    refPtr<metamodel::fieldInfo> fieldInfo(string const&, string const&, T const*) const = delete;
+    void fieldInfo(string const&, T const*) = delete;
+    template <class T>
+    void fieldInfo(string const&, T const*) const = delete;
+    template <class T>
+    void fieldInfo(string const&, string const&, T const*) = delete;
+    template <class T>
+    void fieldInfo(string const&, string const&, T const*) const = delete;
 
     // ---- properties
 

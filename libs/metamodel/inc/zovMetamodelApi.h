@@ -1,4 +1,5 @@
-// What makes a declaration of zovMetamodel visible outside the library.
+// What makes a declaration of zovMetamodel visible outside the library, and what keeps a member of a visible class
+// inside where the platform can.
 #pragma once
 
 #if defined(_WIN32)
@@ -7,6 +8,8 @@
 #    else
 #        define ZOV_METAMODEL_API __declspec(dllimport)
 #    endif
+#    define ZOV_METAMODEL_LOCAL
 #else
 #    define ZOV_METAMODEL_API __attribute__((visibility("default")))
+#    define ZOV_METAMODEL_LOCAL __attribute__((visibility("hidden")))
 #endif

@@ -290,11 +290,12 @@ bool classInfo::copyInfosFrom(const_refPtr<classInfo> const& from, wchar_t const
     falseWithoutMemory([&] {
         heldMutex const held(mData->mMutex);
         mData->mFieldInfos.publish(held, [&](fieldList& fields) {
-            walk(from->mData->mFieldInfos.snapshot(), false, [&](refPtr<metamodel::fieldInfo> const& field) {
+            auto const copyOne = [&](refPtr<metamodel::fieldInfo> const& field) {
                 auto const copy = field->copyFor(this, prefixed(prefix, field->scName()));
                 if (!fieldOfName(fields, copy->scName(), false)) fields.push_back(copy);
                 return true;
-            });
+            };
+            from->forEachFieldInfo(copyOne, false);
         });
     });
     return true;
@@ -380,8 +381,9 @@ bool classInfo::isBaseOf(const_refPtr<classInfo> const& other) const {
 }
 
 bool classInfo::isDerivedFrom(const_refPtr<classInfo> const& other) const {
-    return !walk(mData->mBaseClasses.snapshot(), true,
-                 [&](entry const& base) { return base.second != other && !base.second->isDerivedFrom(other); });
+    return !walk(mData->mBaseClasses.snapshot(), true, [&](entry const& base) {
+        return !base.second || (base.second != other && !base.second->isDerivedFrom(other));
+    });
 }
 
 // ---- relations

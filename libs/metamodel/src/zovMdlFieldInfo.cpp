@@ -281,7 +281,7 @@ wchar_t const* fieldInfo::referencedClasses() noexcept {
     return referencedClassesKey;
 }
 
-// KEEP FS-12: for ordinary semantics this is the text of the type, not of the semantic.
+// KEEP FS-32: for ordinary semantics this is the text of the type, not of the semantic.
 scString fieldInfo::semanticString() const {
     fieldData const& defining = *root().mData;
     eFieldSemantics const sem = defining.mSemantic;

@@ -14,9 +14,10 @@ namespace {
 
 constexpr wchar_t const* caseRuleKey = L"caseSensitiveNames";
 
-bool readCaseRule(genericSet const& properties) {
+// The rule that a text states; a text that is no bool states that letter case does not matter.
+bool readCaseRule(string const& text) {
     bool caseSensitive = false;
-    properties.getValue(caseRuleKey, caseSensitive);
+    genericValue(text).getValue(caseSensitive);
     return caseSensitive;
 }
 
@@ -162,9 +163,10 @@ void modelInfo::setAddProp(string const& key, string const& value) {
         mProperties.setValue(scString::createFrom(key), value, true);
         return;
     }
+    bool const caseSensitive = readCaseRule(value);
     std::lock_guard const held(mRegistry->mCaseRuleMutex);
     mProperties.setValue(caseRuleKey, value, true);
-    mRegistry->mCaseSensitiveNames = readCaseRule(mProperties);
+    mRegistry->mCaseSensitiveNames = caseSensitive;
 }
 
 bool modelInfo::addProp(string const& key, string& out) const {

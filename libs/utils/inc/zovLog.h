@@ -79,6 +79,10 @@ public:
     // Throws std::bad_alloc, and what the provider throws.
     static zov::refPtr<logger> getLogger(char const* name);
 
+    // Whether a line of this level may have a reader: the level is on, or a host provides the loggers. When it has not,
+    // there is no need to ask for a logger at all.
+    static bool isHeard(eLogLevel level) noexcept;
+
     // Sets the level of the default loggers; eLogOff at start.
     static void setLevel(eLogLevel level) noexcept;
     static eLogLevel level() noexcept;

@@ -112,12 +112,12 @@ public:
 
 // The policies by which pointers count: any type with these two members can be pointed to.
 template <class T>
-struct addRef {
+struct ZOV_UTILS_TYPE addRef {
     void operator()(T* object) const { object->addRef(); }
 };
 
 template <class T>
-struct release {
+struct ZOV_UTILS_TYPE release {
     void operator()(T* object) const { object->release(); }
 };
 
@@ -136,7 +136,7 @@ concept leadsTo = std::convertible_to<U*, T*>;
 
 // What refPtr and const_refPtr have in common: one pointer, counted by the policies. T is const for the latter.
 template <class T, class AddRef, class Release>
-class refSlot {
+class ZOV_UTILS_TYPE refSlot {
 public:
     // The object, or null. Counts nothing; valid while some reference is held.
     T* get() const noexcept { return mObject; }
@@ -229,11 +229,11 @@ std::strong_ordering operator<=>(refSlot<T, A, R> const& left, refSlot<T, A, R> 
 } // namespace detail
 
 template <class T, class AddRef, class Release>
-class const_refPtr;
+class ZOV_UTILS_TYPE const_refPtr;
 
 // Strong pointer to an object that counts its own references; one pointer in size, nothrow movable.
 template <class T, class AddRef = addRef<T>, class Release = release<T>>
-class refPtr : public detail::refSlot<T, AddRef, Release> {
+class ZOV_UTILS_TYPE refPtr : public detail::refSlot<T, AddRef, Release> {
     using slot = detail::refSlot<T, AddRef, Release>;
 
 public:
@@ -289,7 +289,7 @@ private:
 
 // The same over a const object. A refPtr converts to it, never back.
 template <class T, class AddRef = addRef<T>, class Release = release<T>>
-class const_refPtr : public detail::refSlot<T const, AddRef, Release> {
+class ZOV_UTILS_TYPE const_refPtr : public detail::refSlot<T const, AddRef, Release> {
     using slot = detail::refSlot<T const, AddRef, Release>;
 
 public:

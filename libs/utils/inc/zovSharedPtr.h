@@ -34,7 +34,7 @@ struct ZOV_UTILS_API shptr {
 
 // The policy by which a shared object ends: through its destructor, virtual where it has one.
 template <class T>
-struct deleteObj {
+struct ZOV_UTILS_TYPE deleteObj {
     void operator()(T* object) const noexcept { delete object; }
 };
 
@@ -62,7 +62,7 @@ inline constexpr int mutableMemberAccessLine = 143;
 
 // An object with its counter, counted as one. Both are null when empty.
 template <class T, class Delete>
-class countedPair {
+class ZOV_UTILS_TYPE countedPair {
 public:
     countedPair() noexcept = default;
 
@@ -132,7 +132,7 @@ private:
 
 // Shared pointer to a T, two pointers in size. A const sharedPtr gives access to a const T.
 template <class T, class Delete = deleteObj<T>>
-class sharedPtr {
+class ZOV_UTILS_TYPE sharedPtr {
 public:
     sharedPtr() noexcept = default;
     sharedPtr(std::nullptr_t) noexcept {}

@@ -27,9 +27,11 @@ public:
         }
     }
 
+    bool isSet() const noexcept { return mIsSet.load(std::memory_order_acquire); }
+
     // What to call, kept alive by the result; null when the default holds. Takes no lock in that case.
     std::shared_ptr<function const> get() const noexcept {
-        if (!mIsSet.load(std::memory_order_acquire)) return nullptr;
+        if (!isSet()) return nullptr;
         std::lock_guard guard(mLock);
         return mFunction;
     }

@@ -107,6 +107,10 @@ zov::refPtr<logger> logManager::getLogger(char const* name) {
     return defaultLoggers().get(known);
 }
 
+bool logManager::isHeard(eLogLevel lineLevel) noexcept {
+    return lineLevel <= level() || provider().isSet();
+}
+
 void logManager::setLevel(eLogLevel level) noexcept {
     currentLevel.store(level, std::memory_order_relaxed);
 }

@@ -3,6 +3,7 @@
 namespace zov::metamodel {
 
 void writeLifeLine(lifeLineSite const& site, wchar_t const* format, string const& name, string const& otherName) {
+    if (!zovlog::logManager::isHeard(site.level)) return; // the default loggers are there, and silent
     refPtr<zovlog::logger> const logger = zovlog::logManager::getLogger(site.function);
     if (!logger->isEnabled(site.level)) return;
     string const message = string::sformat(format, name.c_str(), otherName.c_str());

@@ -39,7 +39,7 @@ void parseCustom(string const& text, std::size_t argument, genericSet& attribs) 
 
 // The classes that stand behind "relation(". Answers eSemNone when there is none.
 eFieldSemantics parseRelation(string const& text, std::size_t argument, genericSet& attribs) {
-    // KEEP FS-08: the argument is taken to begin one character late, so that its first one is lost; a text that ends
+    // KEEP FS-30: the argument is taken to begin one character late, so that its first one is lost; a text that ends
     // at the parenthesis is out of range.
     string classes(text.substr(argument + 1));
     classes.deleteTrailing(L')').deleteAll(L" \t");
@@ -134,7 +134,7 @@ bool parseSemanticsText(string const& text, eFieldSemantics& sem, genericSet& at
     return false;
 }
 
-// KEEP FS-10: keys and custom semantics have no text here, although the parser reads one.
+// KEEP FS-31: keys and custom semantics have no text here, although the parser reads one.
 scString semanticText(eFieldSemantics sem) {
     if (sem == eSemRelation) return scString::createFrom(L"relation");
     for (auto const& row : plainSemantics) {
