@@ -10,7 +10,8 @@
 //
 // Ending never recurses. The releases that an object makes while it ends are put off and carried out, depth
 // first, by the release() that began it, so that a chain of a million objects ends on a small stack, in the
-// order in which nested destructors would have run.
+// order in which nested destructors would have run. (When the memory for keeping that order is gone as well, everything
+// still ends; an object held several times may then end before its turn.)
 //
 // Threads: counts are atomic, so copies of one pointer may live in different threads. One pointer variable that
 // several threads use is a *shared slot*: assign to it as usual (assignment exchanges under a
@@ -96,7 +97,8 @@ protected:
 private:
     friend class refObjEnding;
 
-    std::uint32_t volatile mCount{0};
+    // The count. Once it has come back to 0, both words may hold the link to the next object that waits for its end.
+    alignas(void*) std::uint32_t volatile mWords[2]{0, 0};
 };
 
 // Held while a shared refPtr slot is copied or exchanged. One lock for the whole process, recursive on a thread.

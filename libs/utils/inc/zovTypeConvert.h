@@ -23,8 +23,9 @@
 //   each of these types to itself: a copy.
 //
 // Ownership: there is one registry, which is never destroyed, so that conversions also work while statics end.
-// Threads: everything may be called from any thread at any time. A conversion runs outside of any lock; while one is
-// being replaced, a thread that runs it finishes with it.
+// Threads: everything may be called from any thread at any time. A conversion runs outside of the
+// registry's lock; while one is being replaced, a thread that runs it finishes with it. Values convert under their own
+// locks, so a conversion reads and writes nothing but the two objects that it is given.
 #pragma once
 
 #include <functional>
@@ -39,7 +40,8 @@ namespace zov::typeconvert {
 class ZOV_UTILS_API typeConversionManager {
 public:
     // Writes the value of the object at `source` into the object at `target` and answers true, or leaves the target
-    // as it was and answers false. Called on any thread, on several at once, and never under a lock.
+    // as it was and answers false. Called on any thread, on several at once, and, for values, under the locks of the
+    // two.
     using conversion = std::function<bool(void* target, void const* source)>;
 
     // The registry.

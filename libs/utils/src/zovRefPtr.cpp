@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstring>
 #include <exception>
 #include <memory>
 #include <new>
@@ -44,10 +45,30 @@ std::int32_t interlockedDecrement(std::uint32_t volatile* counter) noexcept {
     return decrement(counter);
 }
 
+// Objects whose count has come to 0, in the order in which they end. The links lie in the objects themselves.
+class waitingObjects {
+public:
+    bool isEmpty() const noexcept { return !mFirst; }
+
+    void append(refObj* object) noexcept;
+    refObj* takeFirst() noexcept;
+
+    // Puts `before`, which is left empty, in front.
+    void prepend(waitingObjects& before) noexcept;
+
+private:
+    refObj* mFirst = nullptr;
+    refObj* mLast = nullptr;
+};
+
 // The releases that a thread has put off while it ends objects. Lives on the stack of the outermost release().
 //
 // Entries form a stack: those that the object ending just now made lie above mFirstOwn, in the order in which it
 // made them; once it is gone they are turned round, so that the first one made is the first one taken.
+//
+// When memory for entries is gone, releases are no longer put off but counted at once, and the objects that this
+// leaves without a reference wait in a list, whose links need no memory. The list stands above the stack: what is in
+// it comes first.
 class refObjEnding {
 public:
     // The queue of this thread, null while it ends nothing.
@@ -58,18 +79,31 @@ public:
         refObjEnding ending;
         sCurrent = &ending;
         ending.end(object);
-        ending.carryOutDownTo(0);
+        ending.carryOutAll();
         sCurrent = nullptr;
         return !ending.mFailed;
     }
 
     // Takes a release of `object` to be carried out after the object that is ending now.
     void putOff(refObj* object) noexcept {
-        if (mSize == mCapacity && !grow()) {
-            carryOutNested(object);
+        bool const isOnTop = mWaiting.isEmpty() && mOwnWaiting.isEmpty();
+        if (isOnTop && (mSize < mCapacity || grow())) {
+            mEntries[mSize++] = object;
             return;
         }
-        mEntries[mSize++] = object;
+        std::for_each(mEntries + mFirstOwn, mEntries + mSize, [this](refObj* earlier) { countAtOnce(earlier); });
+        mSize = mFirstOwn;
+        countAtOnce(object);
+    }
+
+    // The link of an object that waits.
+    static refObj* next(refObj const* object) noexcept {
+        refObj* linked;
+        std::memcpy(&linked, const_cast<std::uint32_t const*>(object->mWords), sizeof linked);
+        return linked;
+    }
+    static void setNext(refObj* object, refObj* linked) noexcept {
+        std::memcpy(const_cast<std::uint32_t*>(object->mWords), &linked, sizeof linked);
     }
 
 private:
@@ -83,25 +117,21 @@ private:
         }
         std::reverse(mEntries + mFirstOwn, mEntries + mSize);
         mFirstOwn = outerFirst;
+        mWaiting.prepend(mOwnWaiting);
     }
 
-    void carryOut(refObj* object) noexcept {
-        if (interlockedDecrement(&object->mCount) == 0) end(object);
+    void carryOutAll() noexcept {
+        while (!mWaiting.isEmpty() || mSize > 0) {
+            if (!mWaiting.isEmpty()) {
+                end(mWaiting.takeFirst());
+            } else if (refObj* const object = mEntries[--mSize]; interlockedDecrement(object->mWords) == 0) {
+                end(object);
+            }
+        }
     }
 
-    void carryOutDownTo(std::size_t size) noexcept {
-        while (mSize > size)
-            carryOut(mEntries[--mSize]);
-    }
-
-    // Memory is gone: what the ending object has given up so far, and `object`, end right here, one level
-    // deeper, in the same order.
-    void carryOutNested(refObj* object) noexcept {
-        std::reverse(mEntries + mFirstOwn, mEntries + mSize);
-        std::size_t const base = mFirstOwn;
-        carryOutDownTo(base);
-        carryOut(object);
-        carryOutDownTo(base);
+    void countAtOnce(refObj* object) noexcept {
+        if (interlockedDecrement(object->mWords) == 0) mOwnWaiting.append(object);
     }
 
     bool grow() noexcept {
@@ -114,7 +144,7 @@ private:
         return true;
     }
 
-    static constexpr std::size_t inlineCapacity = 64;
+    static constexpr std::size_t inlineCapacity = 256;
     static thread_local refObjEnding* sCurrent;
 
     refObj* mInline[inlineCapacity];
@@ -123,15 +153,40 @@ private:
     std::size_t mCapacity = inlineCapacity;
     std::size_t mSize = 0;
     std::size_t mFirstOwn = 0;
+    waitingObjects mWaiting;
+    waitingObjects mOwnWaiting; // of the object that is ending now
     bool mFailed = false;
 };
 
 thread_local refObjEnding* refObjEnding::sCurrent = nullptr;
 
+void waitingObjects::append(refObj* object) noexcept {
+    refObjEnding::setNext(object, nullptr);
+    if (mLast) refObjEnding::setNext(mLast, object);
+    if (!mFirst) mFirst = object;
+    mLast = object;
+}
+
+refObj* waitingObjects::takeFirst() noexcept {
+    refObj* const taken = mFirst;
+    mFirst = refObjEnding::next(taken);
+    if (!mFirst) mLast = nullptr;
+    refObjEnding::setNext(taken, nullptr); // a count of 0 again
+    return taken;
+}
+
+void waitingObjects::prepend(waitingObjects& before) noexcept {
+    if (before.isEmpty()) return;
+    refObjEnding::setNext(before.mLast, mFirst);
+    if (!mLast) mLast = before.mLast;
+    mFirst = before.mFirst;
+    before = waitingObjects();
+}
+
 refObj::~refObj() = default;
 
 std::uint32_t refObj::addRef() {
-    return static_cast<std::uint32_t>(interlockedIncrement(&mCount));
+    return static_cast<std::uint32_t>(interlockedIncrement(mWords));
 }
 
 std::uint32_t refObj::release() {
@@ -140,13 +195,13 @@ std::uint32_t refObj::release() {
         ending->putOff(this);
         return left;
     }
-    auto const left = static_cast<std::uint32_t>(interlockedDecrement(&mCount));
+    auto const left = static_cast<std::uint32_t>(interlockedDecrement(mWords));
     if (left == 0 && !refObjEnding::run(this) && std::uncaught_exceptions() == 0) throw false;
     return left;
 }
 
 std::uint32_t refObj::currentCount() const noexcept {
-    return detail::counterValue(&mCount);
+    return detail::counterValue(mWords);
 }
 
 referencePtrLocker::referencePtrLocker() noexcept {
