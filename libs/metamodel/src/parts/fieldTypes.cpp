@@ -38,9 +38,23 @@ genericValue makeNothing() {
     return genericValue();
 }
 
+// What a value is read into. A host's conversion that succeeds without writing shows it: then a date is no null value.
+template <class T>
+T readingStart() {
+    return T{};
+}
+template <>
+date readingStart<date>() {
+    return date(date::thisYear(), 1, 1);
+}
+template <>
+timestamp readingStart<timestamp>() {
+    return timestamp(readingStart<date>(), zov::time());
+}
+
 template <class T>
 T readAs(genericValue const& value) {
-    T read{};
+    T read = readingStart<T>();
     if (!value.getValue(read)) throw false;
     return read;
 }
