@@ -75,8 +75,8 @@ relationInfo::relationInfo(refPtr<fieldInfo> const& fromField, refPtr<classInfo>
     assertThat(hasClass(fromField), L"pFromField->classInfo()", sources::relationInfo, 55);
     logCreated(name, reverseName);
     // KEEP RI-04: the relation alone holds this field; the target class does not list it.
-    mData->mOwnField = refPtr<fieldInfo>(new fieldInfo(toClass, L"PTR", ePtr, genericSet(), L""));
-    begin(fromField, mData->mOwnField, name, reverseName);
+    mData->mHasOwnField = true;
+    begin(fromField, new fieldInfo(toClass, L"PTR", ePtr, genericSet(), L""), name, reverseName);
 }
 
 // The first pair and the names; the semantic comes last, when nothing can fail any more.
@@ -112,7 +112,7 @@ refPtr<classInfo> relationInfo::targetClass() const {
 }
 
 void relationInfo::clearOwnField() noexcept {
-    if (mData->mOwnField) mData->mOwnField->clearOwner();
+    if (mData->mHasOwnField) mData->mRelations.snapshot()->front().second->clearOwner();
 }
 
 // ---- reading

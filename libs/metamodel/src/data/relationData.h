@@ -22,7 +22,7 @@ struct relationData {
     std::recursive_mutex mMutex; // held while a pair is added
     eRelationType const mType;
     cowSlot<fieldPairs> mRelations;
-    refPtr<fieldInfo> mOwnField; // the target field that a relation to a class made for itself
+    bool mHasOwnField = false; // the first pair's target field was made for this relation
     scString mName;
     scString mReverseName;
 };
