@@ -57,7 +57,7 @@ databaseModel::classPtr databaseModel::createClassApart(string const& name) {
 }
 
 databaseModel::classPtr databaseModel::createPlaceApart(classPtr const& owner, string const& name) {
-    classPtr const place = mPlacesApart.emplace_back(owner, createClass(name)).second;
+    classPtr place = mPlacesApart.emplace_back(owner, createClass(name)).second;
     place->setLabel(owner->label());
     return place;
 }

@@ -25,6 +25,7 @@ std::vector<std::string> keyNames(table const& owner) {
         if (each.mKeyPosition > 0) names.emplace(each.mKeyPosition, each.mName);
     }
     std::vector<std::string> ordered;
+    ordered.reserve(names.size());
     for (auto const& [position, name] : names)
         ordered.push_back(name);
     return ordered;

@@ -15,7 +15,6 @@
 namespace zovModel {
 
 using zov::string;
-using zov::metamodel::relationInfo;
 
 namespace {
 
@@ -64,6 +63,7 @@ public:
 private:
     string named(std::size_t from, std::vector<std::string> const& columns) const {
         std::vector<string> names;
+        names.reserve(columns.size());
         for (std::string const& column : columns)
             names.push_back(string::fromUtf8(column));
         return L"in the table " + quoted(string::fromUtf8(mTables[from].mName)) + L", the foreign key (" +
@@ -118,10 +118,10 @@ private:
 
     // The from field's name, or, when a relation of the class has it already, one made of it and the target's.
     static string freeName(classPtr const& owner, fieldPtr const& from, classPtr const& target) {
-        string const fieldName = from->scName().string();
-        if (!owner->toRelation(fieldName, false)) return fieldName;
-        string const longName = fieldName + L"_" + target->scName().string();
-        string name = longName;
+        string name = from->scName().string();
+        if (!owner->toRelation(name, false)) return name;
+        name += L"_" + target->scName().string();
+        string const longName = name;
         for (unsigned count = 2; owner->toRelation(name, false); ++count)
             name = longName + string::sformat(L"_%u", count);
         return name;
