@@ -17,8 +17,8 @@ function(zov_own_target target)
     -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wcast-align -Wold-style-cast
     -Woverloaded-virtual -Wdouble-promotion -Wformat=2 -Wnon-virtual-dtor
     $<$<BOOL:${ZOV_WERROR}>:-Werror>
-    # Sources are named from the project's root in every text that a host may see.
-    "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=")
+    # Sources are named from the project's root, whatever machine builds them; coverage reports need the machine's names.
+    "$<$<NOT:$<BOOL:${ZOV_COVERAGE}>>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=>")
   if(ZOV_BUILD_FUZZERS)
     target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link)
   endif()
@@ -43,7 +43,7 @@ function(zov_add_library name)
     PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}/src")
   target_link_libraries(${name}Objects PUBLIC ${arg_LINKS})
   if(ZOV_COVERAGE)
-    target_compile_options(${name}Objects PRIVATE --coverage -fprofile-abs-path)
+    target_compile_options(${name}Objects PRIVATE --coverage -fprofile-abs-path -fprofile-update=atomic)
     target_link_options(${name}Objects PUBLIC --coverage)
   endif()
 
