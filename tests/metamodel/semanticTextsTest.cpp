@@ -228,6 +228,7 @@ TEST(semanticTexts, areOutOfRangeWhenTheyEndWithTheParenthesisOfARelation) {
         genericSet attribs;
         eventLog log;
         EXPECT_THROW(fieldInfo::parseSemantics(text, semantic, attribs), std::out_of_range);
+        EXPECT_EQ(semantic, eSemBits);
         EXPECT_EQ(attribs.size(), 0u);
         EXPECT_EQ(log.take(), events());
     }

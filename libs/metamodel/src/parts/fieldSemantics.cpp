@@ -1,6 +1,7 @@
 #include "parts/fieldSemantics.h"
 
 #include <initializer_list>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -48,6 +49,23 @@ eFieldSemantics parseRelation(string const& text, std::size_t argument, genericS
     if (names.empty()) return eSemNone;
     attribs.setValue(referencedClassesKey, names, false);
     return eSemRelation;
+}
+
+// The semantic of a folded text, by the first rule that fits; empty when none does.
+std::optional<eFieldSemantics> readSemantics(string const& text, genericSet& attribs) {
+    if (text.empty()) return eSemNone;
+    if (text.starts_with(primkeyText)) return eSemPrimkey;
+    for (auto const& row : plainSemantics) {
+        if (text == row.text) return row.sem;
+    }
+    if (auto const found = text.find(customOpening); found != string::npos) {
+        parseCustom(text, found + customOpening.size(), attribs);
+        return eSemCustom;
+    }
+    if (auto const found = text.find(relationOpening); found != string::npos) {
+        return parseRelation(text, found + relationOpening.size(), attribs);
+    }
+    return std::nullopt;
 }
 
 // A type that a semantic accepts, and the report when the field has none of those. Hosts match on text and line.
@@ -110,28 +128,9 @@ void applySemantic(fieldData& field, eFieldSemantics sem, genericSet const& attr
 }
 
 bool parseSemanticsText(string const& text, eFieldSemantics& sem, genericSet& attribs) {
-    string const folded = text.lower();
-    sem = eSemNone;
-    if (folded.empty()) return true;
-    if (folded.starts_with(primkeyText)) {
-        sem = eSemPrimkey;
-        return true;
-    }
-    for (auto const& row : plainSemantics) {
-        if (folded != row.text) continue;
-        sem = row.sem;
-        return true;
-    }
-    if (auto const found = folded.find(customOpening); found != string::npos) {
-        parseCustom(folded, found + customOpening.size(), attribs);
-        sem = eSemCustom;
-        return true;
-    }
-    if (auto const found = folded.find(relationOpening); found != string::npos) {
-        sem = parseRelation(folded, found + relationOpening.size(), attribs);
-        return true;
-    }
-    return false;
+    auto const read = readSemantics(text.lower(), attribs);
+    sem = read.value_or(eSemNone);
+    return read.has_value();
 }
 
 // KEEP FS-31: keys and custom semantics have no text here, although the parser reads one.
