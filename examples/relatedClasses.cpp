@@ -6,7 +6,6 @@
 using zov::genericSet;
 using zov::refPtr;
 using zov::string;
-using zov::metamodel::classInfo;
 using zov::metamodel::eAgg;
 using zov::metamodel::eLong;
 using zov::metamodel::fieldInfo;

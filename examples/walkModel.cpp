@@ -23,7 +23,7 @@ std::string text(scString name) {
 }
 
 refPtr<modelInfo> workshop() {
-    auto const model = modelInfo::createModelInfo(false);
+    auto model = modelInfo::createModelInfo(false);
     auto const item = model->createClassInfo(L"Item", [](refPtr<classInfo> added) {
         added->setAbstract(true);
         added->createFieldInfo(L"number", eInt, genericSet(), L"")->setSemantic(eSemPrimkey, genericSet(), L"");
