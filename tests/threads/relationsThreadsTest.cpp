@@ -5,14 +5,13 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
-#include <exception>
 #include <functional>
-#include <latch>
 #include <string>
 #include <thread>
 #include <utility>
 #include <vector>
 
+#include "threadedRuns.h"
 #include "zovAssert.h"
 #include "zovMetamodel.h"
 
@@ -34,41 +33,8 @@ using zov::metamodel::eSemRelation;
 using zov::metamodel::fieldInfo;
 using zov::metamodel::modelInfo;
 using zov::metamodel::relationInfo;
-
-// Runs the jobs, a thread each, from one start line; what one throws fails the test.
-void runTogether(std::vector<std::function<void()>> const& jobs) {
-    std::latch startLine(static_cast<std::ptrdiff_t>(jobs.size()));
-    std::vector<std::thread> threads;
-    for (auto const& job : jobs) {
-        threads.emplace_back([&startLine, &job] {
-            startLine.arrive_and_wait();
-            try {
-                job();
-            } catch (bool) {
-                ADD_FAILURE() << "a thread threw a bool";
-            } catch (std::exception const& failure) {
-                ADD_FAILURE() << "a thread threw: " << failure.what();
-            }
-        });
-    }
-    for (auto& thread : threads)
-        thread.join();
-}
-
-// A failure of a check inside a loop: counted, and reported once after the threads have ended.
-class violations {
-public:
-    void check(bool holds) noexcept {
-        if (!holds) ++mCount;
-    }
-    ~violations() { EXPECT_EQ(mCount.load(), 0); }
-    violations() = default;
-    violations(violations const&) = delete;
-    violations& operator=(violations const&) = delete;
-
-private:
-    std::atomic<int> mCount{0};
-};
+using zov::tests::runTogether;
+using zov::tests::violations;
 
 string numbered(wchar_t const* stem, int number) {
     return string(std::wstring(stem) + std::to_wstring(number));
