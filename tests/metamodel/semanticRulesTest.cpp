@@ -5,40 +5,21 @@
 #include <vector>
 
 #include "fieldChain.h"
+#include "semanticSubject.h"
 
 namespace zov::metamodel {
 namespace {
 
 using tests::addField;
+using tests::bitsDemand;
+using tests::enumDemand;
 using tests::events;
 using tests::fieldAssertion;
+using tests::itemsDemand;
 using tests::ownClass;
+using tests::subject;
+using tests::withItems;
 using zov::tests::eventLog;
-
-char const* const enumDemand = "mType==eBool ||mType==eShort || mType==eInt || mType==eLong || mType==eFloat || "
-                               "mType==eDouble || mType==eString";
-char const* const bitsDemand = "mType == eShort || mType == eInt || mType == eLong";
-char const* const itemsDemand = "semProps.getValuePtr(_T(\"enumItems\"), eis)";
-
-genericSet withItems() {
-    genericSet attribs;
-    attribs.setValue(L"enumItems", std::vector<enumItem>{{genericValue(1), L"one"}}, false);
-    return attribs;
-}
-
-// A class with one field of the given type, and what setting a semantic reports.
-struct subject {
-    ownClass part{L"part"};
-    refPtr<fieldInfo> field;
-
-    explicit subject(eFieldType type) : field(addField(part, L"width", type)) {}
-
-    events set(eFieldSemantics semantic, genericSet const& attribs = genericSet(), string const& text = L"") const {
-        eventLog log;
-        field->setSemantic(semantic, attribs, text);
-        return log.take();
-    }
-};
 
 // behaviour: FS-35
 TEST(semanticRules, askForTheTypeBeforeTheItems) {
