@@ -212,17 +212,14 @@ TEST(relationInner, isVisitedAndAnEmptyEntryIsNot) {
     auto const relation = world.toField();
     auto& order = testAccess::data(*world.order);
     auto& customer = testAccess::data(*world.customer);
-    auto const publish = [](classData& data, cowSlot<relationList>& slot, relationList const& list) {
-        slot.publish(heldMutex(data.mMutex), [&](relationList& published) { published = list; });
-    };
-    publish(order, order.mToRelations, {nullptr, relation, nullptr});
-    publish(customer, customer.mFromRelations, {nullptr, relation, nullptr});
+    order.mToRelations.append(heldMutex(order.mMutex), {nullptr, nullptr, nullptr});
+    customer.mFromRelations.append(heldMutex(customer.mMutex), {nullptr});
     EXPECT_EQ(leaving(world.order), relations{relation});
     EXPECT_EQ(arriving(world.customer), relations{relation});
     EXPECT_EQ(world.order->toRelation(L"customer", false), relation);
     EXPECT_EQ(world.order->toRelation(L"none", false), nullptr);
-    publish(order, order.mToRelations, {relation});
-    publish(customer, customer.mFromRelations, {relation});
+    order.mToRelations.clear(heldMutex(order.mMutex));
+    customer.mFromRelations.clear(heldMutex(customer.mMutex));
 }
 
 // ---- user properties

@@ -33,8 +33,8 @@ struct testAccess {
     static refPtr<classInfo> makeClass(string const& name, bool caseSensitiveNames) {
         return refPtr<classInfo>(new classInfo(name, caseSensitiveNames));
     }
-    static refPtr<fieldInfo> makeField(refPtr<classInfo> owner, string const& name, eFieldType type) {
-        return refPtr<fieldInfo>(new fieldInfo(std::move(owner), name, type, genericSet(), L""));
+    static refPtr<fieldInfo> makeField(refPtr<classInfo> const& owner, string const& name, eFieldType type) {
+        return refPtr<fieldInfo>(new fieldInfo(owner, scString::createFrom(name), type, genericSet(), L""));
     }
     static refPtr<idInfo> makeId(std::vector<refPtr<fieldInfo>> const& fields) {
         return refPtr<idInfo>(new idInfo(fields));

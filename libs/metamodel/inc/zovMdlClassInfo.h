@@ -225,6 +225,7 @@ public:
 private:
     friend class modelInfo;
     friend class metamodel::fieldInfo;
+    friend struct classData;
     friend struct testAccess;
 
     classInfo(string const& name, bool caseSensitiveNames);
@@ -244,7 +245,6 @@ private:
     refPtr<relationInfo> createAndFile(refPtr<metamodel::fieldInfo> const& fromField, Target const& target,
                                        eRelationType type, string const& name, string const& reverseName);
     void fileRelation(refPtr<relationInfo> const& made);
-    const_refPtr<relationInfo> findRelation(scString name, bool searchBaseClasses) const;
     template <class T>
     bool findInherited(scString key, T& out) const;
 

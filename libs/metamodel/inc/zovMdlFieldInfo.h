@@ -247,14 +247,14 @@ private:
     friend struct testAccess;
 
     // A defining field, and an inheriting one.
-    fieldInfo(refPtr<metamodel::classInfo> owner, string const& name, eFieldType type, genericSet const& typeAttribs,
+    fieldInfo(refPtr<metamodel::classInfo> const& owner, scString name, eFieldType type, genericSet const& typeAttribs,
               string const& customTypeString);
-    fieldInfo(refPtr<metamodel::classInfo> owner, refPtr<fieldInfo> baseField);
+    fieldInfo(refPtr<metamodel::classInfo> const& owner, refPtr<fieldInfo> const& baseField);
     ~fieldInfo() override;
     void destroy() override;
 
     // A defining field of `owner` under the given name that carries what this one says of itself.
-    refPtr<fieldInfo> copyFor(refPtr<metamodel::classInfo> owner, string const& name) const;
+    refPtr<fieldInfo> copyFor(refPtr<metamodel::classInfo> const& owner, string const& name) const;
 
     fieldInfo const& root() const noexcept;
     struct semanticState;
@@ -266,6 +266,7 @@ private:
     string expressionUnder(wchar_t const* key, int neededFlag) const;
     int flags() const noexcept;
     void clearOwner() noexcept;
+    metamodel::classInfo* detachOwner() noexcept;
     ZOV_METAMODEL_LOCAL void releaseInfo();
 
     std::unique_ptr<fieldData> mData;

@@ -9,10 +9,14 @@
 #include "base/nameKey.h"
 #include "base/scopeExit.h"
 #include "base/sources.h"
+#include "base/walk.h"
 #include "data/classData.h"
 #include "data/fieldData.h"
 #include "data/relationData.h"
 #include "parts/aliases.h"
+#include "parts/baseSearch.h"
+#include "parts/classFields.h"
+#include "parts/knownAliases.h"
 #include "zovAssert.h"
 
 namespace zov::metamodel {
@@ -23,41 +27,21 @@ constexpr std::int32_t flagAbstract = 1;
 
 std::atomic<bool> closing{false};
 
-// Whether two fields of one class may not stand side by side.
-bool isSameName(scString left, scString right, bool caseSensitive) {
-    if (left == right) return true;
-    if (caseSensitive || left.string().size() != right.string().size()) return false;
-    return left.string().lower() == right.string().lower();
-}
-
-// The field of the list that takes this name, or null.
-refPtr<fieldInfo> fieldOfName(fieldList const& fields, scString name, bool caseSensitive) {
-    auto const found = std::find_if(fields.begin(), fields.end(), [&](refPtr<fieldInfo> const& field) {
-        return isSameName(field->scName(), name, caseSensitive);
-    });
-    return found == fields.end() ? nullptr : *found;
-}
-
-refPtr<fieldInfo> fieldOfName(cowSlot<fieldList> const& fields, scString name, bool caseSensitive) {
-    auto const list = fields.snapshot();
-    return list ? fieldOfName(*list, name, caseSensitive) : nullptr;
-}
-
 bool hasClass(cowSlot<classTable> const& table, refPtr<classInfo> const& wanted) {
-    auto const classes = table.snapshot();
-    return wanted && classes && classes->contains(wanted->scName());
+    if (!wanted) return false;
+    readSection const reading;
+    classTable const* const classes = table.peek(reading);
+    return classes && classes->contains(wanted->scName());
 }
 
 void addClass(cowSlot<classTable>& table, heldMutex const& held, refPtr<classInfo> const& added) {
     table.publish(held, [&](classTable& classes) { classes.emplace(added->scName(), added); });
 }
 
-template <class Container, class Action>
-void forEachIn(sharedPtr<Container const> const& snapshot, Action const& action) {
-    walk(snapshot, false, [&](auto const& element) {
-        action(element);
-        return true;
-    });
+bool walkClasses(cowSlot<classTable> const& table, bool stopOnFalse,
+                 std::function<bool(classInfo::entry const&)> const& visit) {
+    auto const classes = table.snapshot();
+    return !classes || walk(*classes, stopOnFalse, [&](classTable::related const& one) { return visit(one.named); });
 }
 
 // "class.field" by the root's name, which an inheriting field's qualifiedName() lacks.
@@ -110,6 +94,7 @@ void classInfo::releaseInfo() {
     auto const bases = mData->mBaseClasses.clear(held);
     auto const derived = mData->mDerivedClasses.clear(held);
     held.unlock();
+    waitForReaders();
 }
 
 void classInfo::tearDown() noexcept {
@@ -120,9 +105,15 @@ void classInfo::tearDown() noexcept {
     auto const from = mData->mFromRelations.clear(held);
     auto const to = mData->mToRelations.clear(held);
     held.unlock();
-    forEachIn(fields, [](refPtr<metamodel::fieldInfo> const& field) { field->clearOwner(); });
-    forEachIn(from, [](refPtr<relationInfo> const& relation) { relation->clearOwnField(); });
-    forEachIn(to, [](refPtr<relationInfo> const& relation) { relation->clearOwnField(); });
+    auto const detached = std::count_if(fields.begin(), fields.end(),
+                                        [](fieldEntry const& listed) { return listed.field->detachOwner() != nullptr; });
+    waitForReaders();
+    for (auto left = detached; left > 0; --left)
+        release(); // the references of the fields, to which this class was the owner
+    for (arrivingEntry const& listed : from)
+        listed.relation->clearOwnField();
+    for (leavingEntry const& listed : to)
+        listed.relation->clearOwnField();
 }
 
 void classInfo::setIsClosing(bool isNow) noexcept {
@@ -161,6 +152,7 @@ int classInfo::flags() const {
 void classInfo::addAliasname(string const& alias) {
     assertThat(!alias.empty(), L"alias.length()", sources::classInfo, __LINE__);
     scString const added = scString::createFrom(alias);
+    rememberAlias(added);
     auto* list = findAliases<aliasList>(mData->mProperties);
     if (!list) {
         mData->mProperties.setValue(aliasKey, aliasList(), false);
@@ -192,14 +184,13 @@ refPtr<fieldInfo> classInfo::createFieldInfo(string const& name, eFieldType type
                                              string const& customTypeString) {
     if (auto known = findField(name, true, false)) return known;
     bool const caseSensitive = mData->mCaseSensitiveNames;
-    falseWithoutMemory([&] {
-        refPtr<metamodel::fieldInfo> const added(
+    auto const added = falseWithoutMemory([&]() -> refPtr<metamodel::fieldInfo> {
+        refPtr<metamodel::fieldInfo> const made(
             new metamodel::fieldInfo(this, nameByRule(name, caseSensitive), type, typeAttribs, customTypeString));
         heldMutex const held(mData->mMutex);
-        if (fieldOfName(mData->mFieldInfos, added->scName(), caseSensitive)) return;
-        mData->mFieldInfos.publish(held, [&](fieldList& fields) { fields.push_back(added); });
+        return addField(*mData, held, made, caseSensitive) ? nullptr : made;
     });
-    return findCreated(name);
+    return added ? added : findCreated(name);
 }
 
 refPtr<fieldInfo> classInfo::createFieldInfo(refPtr<classInfo>& baseClass, string const& name) {
@@ -213,9 +204,7 @@ refPtr<fieldInfo> classInfo::createFieldInfo(refPtr<classInfo> const& baseClass,
     auto const known = falseWithoutMemory([&]() -> refPtr<metamodel::fieldInfo> {
         refPtr<metamodel::fieldInfo> const added(new metamodel::fieldInfo(this, baseField));
         heldMutex const held(mData->mMutex);
-        if (auto same = fieldOfName(mData->mFieldInfos, added->scName(), false)) return same;
-        mData->mFieldInfos.publish(held, [&](fieldList& fields) { fields.push_back(added); });
-        return nullptr;
+        return addField(*mData, held, added, false);
     });
     return known ? known : findCreated(name);
 }
@@ -237,32 +226,19 @@ const_refPtr<fieldInfo> classInfo::fieldInfo(string const& name, bool searchBase
 
 // KEEP CF-06: searchAliases finds no field by an alias, since fields answer that they have none.
 refPtr<fieldInfo> classInfo::findField(std::wstring_view name, bool searchBaseClasses, bool searchAliases) const {
-    refPtr<metamodel::fieldInfo> found;
-    if (auto const key = lookupKey(name, mData->mCaseSensitiveNames)) {
-        walk(mData->mFieldInfos.snapshot(), true, [&](refPtr<metamodel::fieldInfo> const& field) {
-            if (field->scName() == *key) found = field;
-            return !found;
-        });
-    }
-    if (found || !searchBaseClasses) return found;
-    walk(mData->mBaseClasses.snapshot(), true, [&](entry const& base) {
-        // KEEP CF-07: the flags change places on the way up, so that the bases' own bases are searched only when
-        // aliases were asked for.
-        found = base.second->findField(name, searchAliases, true);
-        return !found;
-    });
-    return found;
+    lookedUpName asked(name);
+    readSection const reading;
+    return metamodel::findField(reading, *mData, asked, searchBaseClasses, searchAliases);
 }
 
 bool classInfo::forEachFieldInfo(std::function<bool(refPtr<metamodel::fieldInfo>)> const& visit,
                                  bool stopOnFalse) const {
     return walk(mData->mFieldInfos.snapshot(), stopOnFalse,
-                [&](refPtr<metamodel::fieldInfo> const& field) { return !field || visit(field); });
+                [&](fieldEntry const& listed) { return !listed.field || visit(listed.field); });
 }
 
 std::uint64_t classInfo::countFields() const {
-    auto const fields = mData->mFieldInfos.snapshot();
-    return fields ? fields->size() : 0;
+    return mData->mFieldInfos.size();
 }
 
 refPtr<fieldInfo> classInfo::copyFieldInfoFrom(const_refPtr<metamodel::fieldInfo>& from, wchar_t const* prefix) {
@@ -275,9 +251,7 @@ refPtr<fieldInfo> classInfo::copyFieldInfoFrom(const_refPtr<metamodel::fieldInfo
         // KEEP CF-21: the prefix is taken as it is given, also where lookups fold what they are asked for.
         string const name = prefixed(prefix, from->scName());
         auto const copy = from->copyFor(this, name);
-        if (!fieldOfName(mData->mFieldInfos, copy->scName(), false)) {
-            mData->mFieldInfos.publish(held, [&](fieldList& fields) { fields.push_back(copy); });
-        }
+        addField(*mData, held, copy, false);
         return findCreated(name);
     });
 }
@@ -289,14 +263,14 @@ bool classInfo::copyInfosFrom(const_refPtr<classInfo>& from, wchar_t const* pref
 bool classInfo::copyInfosFrom(const_refPtr<classInfo> const& from, wchar_t const* prefix) {
     falseWithoutMemory([&] {
         heldMutex const held(mData->mMutex);
-        mData->mFieldInfos.publish(held, [&](fieldList& fields) {
-            auto const copyOne = [&](refPtr<metamodel::fieldInfo> const& field) {
-                auto const copy = field->copyFor(this, prefixed(prefix, field->scName()));
-                if (!fieldOfName(fields, copy->scName(), false)) fields.push_back(copy);
-                return true;
-            };
-            from->forEachFieldInfo(copyOne, false);
-        });
+        std::vector<refPtr<metamodel::fieldInfo>> copies;
+        auto const copyOne = [&](refPtr<metamodel::fieldInfo> const& field) {
+            auto const copy = field->copyFor(this, prefixed(prefix, field->scName()));
+            if (!isTaken(*mData, held, copy->scName(), copies)) copies.push_back(copy);
+            return true;
+        };
+        from->forEachFieldInfo(copyOne, false);
+        addFields(*mData, held, copies);
     });
     return true;
 }
@@ -305,10 +279,10 @@ bool classInfo::copyInfosFrom(const_refPtr<classInfo> const& from, wchar_t const
 
 std::vector<refPtr<fieldInfo>> classInfo::identifyingFields() const {
     std::vector<refPtr<metamodel::fieldInfo>> identifying;
-    walk(mData->mFieldInfos.snapshot(), false, [&](refPtr<metamodel::fieldInfo> const& field) {
-        if (field->semantic() == eSemPrimkey) identifying.push_back(field);
-        return true;
-    });
+    auto const fields = mData->mFieldInfos.snapshot();
+    for (fieldEntry const& listed : fields) {
+        if (listed.field->semantic() == eSemPrimkey) identifying.push_back(listed.field);
+    }
     return identifying;
 }
 
@@ -322,24 +296,19 @@ void classInfo::getIdFieldInfos(std::vector<refPtr<metamodel::fieldInfo>>& out) 
 refPtr<idInfo> classInfo::idInfo() const {
     for (;;) {
         auto const generation = mData->mIdGeneration.load();
-        {
-            referencePtrLocker const guard;
-            if (mData->mIdInfo) return mData->mIdInfo;
-        }
+        if (auto known = mData->mIdInfo.get()) return known;
         // KEEP ID-08: a class without identifying fields is refused here, at every call anew.
         refPtr<metamodel::idInfo> const made(new metamodel::idInfo(identifyingFields()));
         referencePtrLocker const guard;
-        if (generation == mData->mIdGeneration && !mData->mIdInfo) return mData->mIdInfo = made;
+        if (generation == mData->mIdGeneration && mData->mIdInfo.setIfEmpty(made)) return made;
     }
 }
 
 void classInfo::onSemanticChanged(refPtr<metamodel::fieldInfo> field) {
     // KEEP ID-11: a field that ceases to be identifying changes nothing here, and stays in the set.
     if (field->semantic() != eSemPrimkey) return;
-    refPtr<metamodel::idInfo> former;
-    referencePtrLocker const guard;
     ++mData->mIdGeneration;
-    former = std::move(mData->mIdInfo);
+    mData->mIdInfo.clear();
 }
 
 // ---- inheritance
@@ -364,11 +333,11 @@ void classInfo::addDerivedClass(refPtr<classInfo> derived) {
 }
 
 bool classInfo::forEachBaseClass(std::function<bool(entry const&)> const& visit, bool stopOnFalse) const {
-    return walk(mData->mBaseClasses.snapshot(), stopOnFalse, visit);
+    return walkClasses(mData->mBaseClasses, stopOnFalse, visit);
 }
 
 bool classInfo::forEachDerivedClass(std::function<bool(entry const&)> const& visit, bool stopOnFalse) const {
-    return walk(mData->mDerivedClasses.snapshot(), stopOnFalse, visit);
+    return walkClasses(mData->mDerivedClasses, stopOnFalse, visit);
 }
 
 bool classInfo::isBaseOf(const_refPtr<classInfo>& other) const {
@@ -376,13 +345,17 @@ bool classInfo::isBaseOf(const_refPtr<classInfo>& other) const {
 }
 
 bool classInfo::isBaseOf(const_refPtr<classInfo> const& other) const {
-    return !walk(mData->mDerivedClasses.snapshot(), true,
-                 [&](entry const& derived) { return !derived.second || derived.second != other; });
+    readSection const reading;
+    classTable const* const derived = mData->mDerivedClasses.peek(reading);
+    return derived && std::any_of(derived->begin(), derived->end(), [&](classTable::related const& one) {
+               return one.named.second && one.named.second == other;
+           });
 }
 
 bool classInfo::isDerivedFrom(const_refPtr<classInfo> const& other) const {
-    return !walk(mData->mBaseClasses.snapshot(), true, [&](entry const& base) {
-        return !base.second || (base.second != other && !base.second->isDerivedFrom(other));
+    readSection const reading;
+    return baseSearch(withinSection{reading}).any(*mData, [&](classTable::related const& base) {
+        return base.named.second && base.named.second == other;
     });
 }
 
@@ -418,15 +391,22 @@ refPtr<relationInfo> classInfo::createRelation(string const& fromFieldName, bool
 // The relation that leaves this class and leads from the one field to the other, or null.
 refPtr<relationInfo> classInfo::relationBetween(refPtr<metamodel::fieldInfo> const& fromField,
                                                 refPtr<metamodel::fieldInfo> const& toField) const {
-    refPtr<relationInfo> found;
-    walk(mData->mToRelations.snapshot(), true, [&](refPtr<relationInfo> const& relation) {
-        bool const same = relation->fromClassInfo() == fromField->classInfo() &&
-                          relation->toClassInfo() == toField->classInfo() &&
-                          relation->toFieldInfo(fromField) == toField;
-        if (same) found = relation;
-        return !same;
-    });
-    return found;
+    // What further pairs lead to is in no index.
+    if (fromField->mData->mHasFurtherPairs) {
+        for (leavingEntry const& listed : mData->mToRelations.snapshot()) {
+            auto const* const relation = listed.relation;
+            bool const same = relation->fromClassInfo() == fromField->classInfo() &&
+                              relation->toClassInfo() == toField->classInfo() &&
+                              relation->toFieldInfo(fromField) == toField;
+            if (same) return listed.relation;
+        }
+        return nullptr;
+    }
+    readSection const reading;
+    auto const isIt = [&](leavingEntry const& listed) { return listed.from == fromField.get() && listed.to == toField.get(); };
+    auto const* const found =
+        mData->mToRelations.find(reading, leavingEntry::keyOf(fromField.get(), toField.get()), isIt);
+    return found ? found->relation : nullptr;
 }
 
 // Making the relation gives the from field its semantic; when it cannot be filed after that, the former one comes back.
@@ -444,45 +424,46 @@ refPtr<relationInfo> classInfo::createAndFile(refPtr<metamodel::fieldInfo> const
 // Files the relation with this class and with its target: with both or with neither.
 void classInfo::fileRelation(refPtr<relationInfo> const& made) {
     auto const target = made->targetClass();
-    auto const append = [&](relationList& relations) { relations.push_back(made); };
-    cowSlot<relationList>::snapshotPtr leaving;
-    cowSlot<relationList>::snapshotPtr arriving;
+    auto const from = made->firstFromFieldInfo();
+    auto const to = made->toFieldInfo(from);
     bool const isOwnTarget = target == this;
     heldMutex own(mData->mMutex, std::defer_lock);
     heldMutex other(target->mData->mMutex, std::defer_lock);
     isOwnTarget ? own.lock() : std::lock(own, other);
-    leaving = mData->mToRelations.prepare(own, append);
-    arriving = target->mData->mFromRelations.prepare(isOwnTarget ? own : other, append);
-    mData->mToRelations.publishPrepared(own, leaving);
-    target->mData->mFromRelations.publishPrepared(isOwnTarget ? own : other, arriving);
+    heldMutex const& held = isOwnTarget ? own : other;
+    mData->mToRelations.reserve(own, 1);
+    target->mData->mFromRelations.append(held, {made.get()});
+    mData->mToRelations.append(own, {made.get(), from.get(), to.get()});
 }
 
 bool classInfo::forEachToRelation(std::function<bool(refPtr<relationInfo>)> const& visit, bool stopOnFalse) const {
     return walk(mData->mToRelations.snapshot(), stopOnFalse,
-                [&](refPtr<relationInfo> const& relation) { return !relation || visit(relation); });
+                [&](leavingEntry const& listed) { return !listed.relation || visit(listed.relation); });
 }
 
 bool classInfo::forEachFromRelation(std::function<bool(refPtr<relationInfo>)> const& visit, bool stopOnFalse) const {
     return walk(mData->mFromRelations.snapshot(), stopOnFalse,
-                [&](refPtr<relationInfo> const& relation) { return !relation || visit(relation); });
+                [&](arrivingEntry const& listed) { return !listed.relation || visit(listed.relation); });
 }
 
 const_refPtr<relationInfo> classInfo::toRelation(string const& name, bool searchBaseClasses) const {
     auto const key = lookupKey(name, true);
-    return key ? findRelation(*key, searchBaseClasses) : nullptr;
-}
-
-const_refPtr<relationInfo> classInfo::findRelation(scString name, bool searchBaseClasses) const {
-    const_refPtr<relationInfo> found;
-    walk(mData->mToRelations.snapshot(), true, [&](refPtr<relationInfo> const& relation) {
-        if (relation && relation->scName() == name) found = relation;
-        return !found;
-    });
-    if (found || !searchBaseClasses) return found;
-    walk(mData->mBaseClasses.snapshot(), true, [&](entry const& base) {
-        found = base.second->findRelation(name, true);
-        return !found;
-    });
+    if (!key) return nullptr;
+    readSection const reading;
+    relationInfo const* found = nullptr;
+    auto const isIn = [&](classData const& owner) {
+        for (leavingEntry const& listed : owner.mToRelations.peek(reading)) {
+            if (!listed.relation || listed.relation->scName() != *key) continue;
+            found = listed.relation;
+            return true;
+        }
+        return false;
+    };
+    if (!isIn(*mData) && searchBaseClasses) {
+        baseSearch(withinSection{reading}).any(*mData, [&](classTable::related const& base) {
+            return isIn(classData::of(*base.named.second));
+        });
+    }
     return found;
 }
 
@@ -531,9 +512,8 @@ bool classInfo::getUserProperty(string const& name, genericValue& value, bool se
 // Through the bases, depth first in key order; their private values are not seen.
 template <class T>
 bool classInfo::findInherited(scString key, T& out) const {
-    return !walk(mData->mBaseClasses.snapshot(), true, [&](entry const& base) {
-        return !readProperty(base.second->mData->mUserProperties.mInheritable, key, out) &&
-               !base.second->findInherited(key, out);
+    return baseSearch(bySnapshots()).any(*mData, [&](classTable::related const& base) {
+        return readProperty(classData::of(*base.named.second).mUserProperties.mInheritable, key, out);
     });
 }
 

@@ -30,17 +30,16 @@ constexpr wchar_t const* createdLine = L"fieldInfo created: \"%s\"";
 
 // ---- life
 
-fieldInfo::fieldInfo(refPtr<metamodel::classInfo> owner, string const& name, eFieldType type,
+fieldInfo::fieldInfo(refPtr<metamodel::classInfo> const& owner, scString name, eFieldType type,
                      genericSet const& typeAttribs, string const& customTypeString)
-    : mData(std::make_unique<fieldData>(std::move(owner), nullptr, scString::createFrom(name), type,
-                                        scString::createFrom(customTypeString), typeAttribs)) {
-    writeLifeLine({createdLevel, createdBy, sources::fieldInfo, 119}, createdLine, mData->mLabel);
+    : mData(std::make_unique<fieldData>(owner, nullptr, name, type, scString::createFrom(customTypeString),
+                                        typeAttribs)) {
+    writeLifeLine({createdLevel, createdBy, sources::fieldInfo, 119}, createdLine, label());
 }
 
-fieldInfo::fieldInfo(refPtr<metamodel::classInfo> owner, refPtr<fieldInfo> baseField)
-    : mData(std::make_unique<fieldData>(std::move(owner), baseField, scString(), baseField->type(), scString(),
-                                        genericSet())) {
-    writeLifeLine({createdLevel, createdBy, sources::fieldInfo, 129}, createdLine, mData->mLabel);
+fieldInfo::fieldInfo(refPtr<metamodel::classInfo> const& owner, refPtr<fieldInfo> const& baseField)
+    : mData(std::make_unique<fieldData>(owner, baseField, scString(), baseField->type(), scString(), genericSet())) {
+    writeLifeLine({createdLevel, createdBy, sources::fieldInfo, 129}, createdLine, label());
 }
 
 fieldInfo::~fieldInfo() = default;
@@ -48,7 +47,7 @@ fieldInfo::~fieldInfo() = default;
 void fieldInfo::destroy() {
     scopeExit const freed([this] { delete this; });
     writeLifeLine({zovlog::eLogDebug, "zov::metamodel::fieldInfo::~fieldInfo", sources::fieldInfo, 169},
-                  L"fieldInfo released: \"%s\"", mData->mLabel);
+                  L"fieldInfo released: \"%s\"", label());
 }
 
 std::uint32_t fieldInfo::refCount() const {
@@ -63,20 +62,23 @@ std::uint32_t fieldInfo::release() {
 
 void fieldInfo::releaseInfo() {
     writeLifeLine({zovlog::eLogInfo, "zov::metamodel::fieldInfo::releaseInfo", sources::fieldInfo, 177},
-                  L"fieldInfo releaseInfo called: \"%s\"", mData->mLabel);
+                  L"fieldInfo releaseInfo called: \"%s\"", label());
     clearOwner();
 }
 
 void fieldInfo::clearOwner() noexcept {
-    mData->mClassInfo = refPtr<metamodel::classInfo>();
+    mData->mClassInfo.clear();
 }
 
-refPtr<fieldInfo> fieldInfo::copyFor(refPtr<metamodel::classInfo> owner, string const& name) const {
-    refPtr<fieldInfo> copy(
-        new fieldInfo(std::move(owner), name, type(), mData->mTypeAttribs, customTypeString().string()));
+metamodel::classInfo* fieldInfo::detachOwner() noexcept {
+    return mData->mClassInfo.detach();
+}
+
+refPtr<fieldInfo> fieldInfo::copyFor(refPtr<metamodel::classInfo> const& owner, string const& name) const {
+    refPtr<fieldInfo> copy(new fieldInfo(owner, scString::createFrom(name), type(), mData->mTypeAttribs,
+                                         customTypeString().string()));
     fieldData& to = *copy->mData;
-    to.mLabel = mData->mLabel;
-    to.mUnit = mData->mUnit;
+    if (mData->mTexts) to.mTexts = std::make_unique<fieldTexts>(*mData->mTexts);
     to.mFlags = mData->mFlags.load();
     to.mSemantic = semantic();
     to.mCustomSemanticString = mData->mCustomSemanticString.load();
@@ -107,16 +109,16 @@ string fieldInfo::qualifiedName() const {
 }
 
 string const& fieldInfo::label() const noexcept {
-    return mData->mLabel;
+    return mData->text(&fieldTexts::label);
 }
 string const& fieldInfo::unit() const noexcept {
-    return mData->mUnit;
+    return mData->text(&fieldTexts::unit);
 }
 void fieldInfo::setLabel(string const& label) {
-    mData->mLabel = label;
+    mData->setText(&fieldTexts::label, label);
 }
 void fieldInfo::setUnit(string const& unit) {
-    mData->mUnit = unit;
+    mData->setText(&fieldTexts::unit, unit);
 }
 
 void fieldInfo::addAliasname(string const& alias) {
@@ -156,8 +158,7 @@ bool fieldInfo::hasAliasname(scString const&) const {
 // ---- place in the model
 
 refPtr<classInfo> fieldInfo::classInfo() const {
-    referencePtrLocker const guard;
-    return mData->mClassInfo;
+    return mData->mClassInfo.get();
 }
 
 refPtr<fieldInfo> fieldInfo::baseField() const {

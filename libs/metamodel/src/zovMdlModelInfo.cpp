@@ -6,6 +6,8 @@
 #include "base/scopeExit.h"
 #include "base/sources.h"
 #include "data/modelRegistry.h"
+#include "parts/classFields.h"
+#include "parts/knownAliases.h"
 #include "zovMdlFieldInfo.h"
 
 namespace zov::metamodel {
@@ -21,11 +23,15 @@ bool readCaseRule(string const& text) {
     return caseSensitive;
 }
 
+// The first class in the order of the walk that has the alias.
 refPtr<classInfo> findByAlias(classMap const& classes, scString alias) {
-    for (auto const& [name, candidate] : classes) {
-        if (candidate->hasAliasname(alias)) return candidate;
-    }
-    return nullptr;
+    if (!wasEverAlias(alias)) return nullptr;
+    refPtr<classInfo> found;
+    classes.snapshot().any([&](classEntry const& entry) {
+        if (entry.object->hasAliasname(alias)) found = entry.object;
+        return bool(found);
+    });
+    return found;
 }
 
 } // namespace
@@ -63,9 +69,11 @@ std::uint32_t modelInfo::release() {
 
 void modelInfo::tearDown() noexcept {
     auto const classes = mRegistry->mClasses.clear(heldMutex(mRegistry->mMutex));
-    if (!classes) return;
-    for (auto const& [name, torn] : *classes)
-        torn->tearDown();
+    waitForReaders();
+    classes.any([](classEntry const& entry) {
+        entry.object->tearDown();
+        return false;
+    });
 }
 
 // ---- classes
@@ -82,11 +90,12 @@ refPtr<classInfo> modelInfo::findClass(std::wstring_view name, bool searchAliase
     // KEEP MR-07: classes are filed under lower-case names always, so that with case-sensitive names a class with
     // capitals is not found by its own spelling.
     auto const key = lookupKey(name, mRegistry->mCaseSensitiveNames);
-    auto const classes = mRegistry->mClasses.snapshot();
-    if (!key || !classes) return nullptr;
-    auto const found = classes->find(*key);
-    if (found != classes->end()) return found->second;
-    return searchAliases ? findByAlias(*classes, *key) : nullptr;
+    if (!key) return nullptr;
+    {
+        readSection const reading;
+        if (classEntry const* const found = mRegistry->mClasses.find(reading, *key)) return found->object;
+    }
+    return searchAliases ? findByAlias(mRegistry->mClasses, *key) : nullptr;
 }
 
 refPtr<classInfo> modelInfo::createClassInfo(string const& name, acceptFunction const& accept) {
@@ -108,20 +117,20 @@ refPtr<classInfo> modelInfo::createAndPublish(string const& name, acceptFunction
         [&] { return refPtr<metamodel::classInfo>(new metamodel::classInfo(name, mRegistry->mCaseSensitiveNames)); });
     scopeExit letGo([&] { added->tearDown(); });
     if (accept && !accept(added)) return nullptr;
-    falseWithoutMemory(
-        [&] { mRegistry->mClasses.publish(held, [&](classMap& classes) { classes[added->scName()] = added; }); });
+    falseWithoutMemory([&] { mRegistry->mClasses.store(held, added); });
     letGo.callOff();
     return added;
 }
 
 bool modelInfo::forEachClassInfo(std::function<bool(metamodel::classInfo::entry const&)> const& visit,
                                  bool stopOnFalse) const {
-    return walk(mRegistry->mClasses.snapshot(), stopOnFalse, visit);
+    return !mRegistry->mClasses.snapshot().any([&](classEntry const& entry) {
+        return !visit({entry.name, entry.object}) && stopOnFalse;
+    });
 }
 
 std::size_t modelInfo::countClasses() const {
-    auto const classes = mRegistry->mClasses.snapshot();
-    return classes ? classes->size() : 0;
+    return mRegistry->mClasses.size();
 }
 
 // ---- fields
@@ -145,9 +154,19 @@ const_refPtr<fieldInfo> modelInfo::fieldInfo(string const& qualifiedName, bool s
 
 refPtr<fieldInfo> modelInfo::findField(std::wstring_view className, std::wstring_view fieldName,
                                        bool searchAliases) const {
-    auto const owner = findClass(className, searchAliases);
     // KEEP MF-03: the flag becomes the class's searchBaseClasses, and aliases of fields are not searched.
-    return owner ? owner->findField(fieldName, searchAliases, false) : nullptr;
+    bool const searchBaseClasses = searchAliases;
+    auto const key = lookupKey(className, mRegistry->mCaseSensitiveNames);
+    if (!key) return nullptr;
+    {
+        readSection const reading;
+        if (classEntry const* const owner = mRegistry->mClasses.find(reading, *key)) {
+            lookedUpName name(fieldName);
+            return metamodel::findField(reading, *owner->data, name, searchBaseClasses, false);
+        }
+    }
+    auto const owner = searchAliases ? findByAlias(mRegistry->mClasses, *key) : nullptr;
+    return owner ? owner->findField(fieldName, searchBaseClasses, false) : nullptr;
 }
 
 refPtr<fieldInfo> modelInfo::findQualifiedField(std::wstring_view qualifiedName, bool searchAliases) const {

@@ -5,6 +5,8 @@
 #include "base/lifeLine.h"
 #include "base/scopeExit.h"
 #include "base/sources.h"
+#include "base/walk.h"
+#include "data/fieldData.h"
 #include "data/relationData.h"
 #include "zovAssert.h"
 #include "zovMdlClassInfo.h"
@@ -76,7 +78,7 @@ relationInfo::relationInfo(refPtr<fieldInfo> const& fromField, refPtr<classInfo>
     logCreated(name, reverseName);
     // KEEP RI-04: the relation alone holds this field; the target class does not list it.
     mData->mHasOwnField = true;
-    begin(fromField, new fieldInfo(toClass, L"PTR", ePtr, genericSet(), L""), name, reverseName);
+    begin(fromField, new fieldInfo(toClass, scString::createFrom(L"PTR"), ePtr, genericSet(), L""), name, reverseName);
 }
 
 // The first pair and the names; the semantic comes last, when nothing can fail any more.
@@ -145,27 +147,18 @@ const_refPtr<classInfo> relationInfo::toClassInfo() const {
 }
 
 const_refPtr<fieldInfo> relationInfo::fromFieldInfo(const_refPtr<fieldInfo> const& toField) const {
-    const_refPtr<fieldInfo> found;
-    walk(mData->mRelations.snapshot(), true, [&](fieldPair const& pair) {
-        if (pair.second == toField) found = pair.first;
-        return !found;
-    });
-    return found;
+    return mData->partner(toField.get(), &fieldPair::second, &fieldPair::first);
 }
 
 const_refPtr<fieldInfo> relationInfo::toFieldInfo(const_refPtr<fieldInfo> const& fromField) const {
-    const_refPtr<fieldInfo> found;
-    walk(mData->mRelations.snapshot(), true, [&](fieldPair const& pair) {
-        if (pair.first == fromField) found = pair.second;
-        return !found;
-    });
-    return found;
+    return mData->partner(fromField.get(), &fieldPair::first, &fieldPair::second);
 }
 
 bool relationInfo::forEachFieldPair(std::function<bool(refPtr<fieldInfo>, refPtr<fieldInfo>)> const& visit,
                                     bool stopOnFalse) const {
-    return walk(mData->mRelations.snapshot(), stopOnFalse,
-                [&](fieldPair const& pair) { return visit(pair.first, pair.second); });
+    auto const pairs = mData->mRelations.snapshot();
+    return !pairs ||
+           walk(*pairs, stopOnFalse, [&](fieldPair const& pair) { return visit(pair.first, pair.second); });
 }
 
 // ---- growing
@@ -181,6 +174,7 @@ bool relationInfo::addFieldRelation(refPtr<fieldInfo> pParentColumn, refPtr<fiel
     assertThat(haveSameClass(pairs->front().second, pDepColumn),
                L"mRelations[0].second->classInfo() && mRelations[0].second->classInfo()==pDepColumn->classInfo()",
                sources::relationInfo, 138);
+    pParentColumn->mData->mHasFurtherPairs = true;
     mData->mRelations.publish(heldMutex(mData->mMutex),
                               [&](fieldPairs& added) { added.emplace_back(pParentColumn, pDepColumn); });
     return true;

@@ -1,71 +1,70 @@
-// The copy-on-write slot: every container that readers walk lives in one.
+// The copy-on-write slot: for small containers that readers walk and that seldom change.
 //
 // A published container is never changed, not even while nobody else holds it; a writer publishes a new one.
-// Readers take a snapshot, which keeps its container alive and unchanged for as long as they hold it. Writers
-// prove with the owner's held mutex that they are alone. The old container ends after the exchange, outside of
-// the pointer locker: its end may end objects, which log.
+// Readers look at it within a section, or take a snapshot, which keeps it alive and unchanged for as long as they hold
+// it. Writers prove with the owner's held mutex that they are alone.
 #pragma once
 
+#include <atomic>
+#include <cstdint>
 #include <memory>
-#include <mutex>
+#include <utility>
 
-#include "zovSharedPtr.h"
+#include "base/publishedSlot.h"
 
 namespace zov::metamodel {
 
-// A model's or a class's mutex, held. Functions that need it held take it as an argument.
-using heldMutex = std::unique_lock<std::recursive_mutex>;
-
 template <class Container>
 class cowSlot {
+    struct body {
+        explicit body(Container copied) : content(std::move(copied)) {}
+
+        static void end(body* last) noexcept { delete last; }
+
+        std::atomic<std::uint32_t> holders{1};
+        Container content;
+    };
+
 public:
-    // Empty stands for the empty container.
-    using snapshotPtr = sharedPtr<Container const>;
+    // A container, or nothing, which stands for the empty one.
+    class snapshotPtr {
+    public:
+        snapshotPtr() noexcept = default;
+        explicit operator bool() const noexcept { return bool(mBody); }
+        Container const& operator*() const noexcept { return mBody.get()->content; }
+        Container const* operator->() const noexcept { return &mBody.get()->content; }
+
+    private:
+        friend class cowSlot;
+        explicit snapshotPtr(heldBody<body> held) noexcept : mBody(std::move(held)) {}
+
+        heldBody<body> mBody;
+    };
 
     // What is published at this moment.
-    snapshotPtr snapshot() const noexcept {
-        sharedPtrLocker guard;
-        return mPublished;
+    snapshotPtr snapshot() const noexcept { return snapshotPtr(mSlot.share()); }
+
+    // The same, not counted: valid until the end of the section. Null stands for the empty container.
+    Container const* peek(readSection const& reading) const noexcept {
+        body const* const now = mSlot.peek(reading);
+        return now ? &now->content : nullptr;
     }
 
     // Publishes a copy to which `change` has been applied. When anything throws, nothing has changed.
     template <class Change>
     void publish(heldMutex const& held, Change const& change) {
-        snapshotPtr next = prepare(held, change);
-        publishPrepared(held, next);
+        body const* const current = mSlot.current(held);
+        auto next = std::make_unique<body>(current ? Container(current->content) : Container());
+        change(next->content);
+        auto const former = mSlot.exchange(held, heldBody<body>(next.release()));
+        if (former) waitForReaders();
     }
 
-    // The two halves of publish, for changes of several slots of which all or none may happen: what can fail, and what
-    // cannot. The former container is left in `next`.
-    template <class Change>
-    snapshotPtr prepare(heldMutex const&, Change const& change) const {
-        snapshotPtr const current = snapshot();
-        auto next = current ? std::make_unique<Container>(*current) : std::make_unique<Container>();
-        change(*next);
-        return snapshotPtr(next.release());
-    }
-    void publishPrepared(heldMutex const&, snapshotPtr& next) noexcept { mPublished.exchange(next); }
-
-    // Publishes the empty container and answers what was there, for the caller to end.
-    snapshotPtr clear(heldMutex const&) noexcept {
-        snapshotPtr former;
-        mPublished.exchange(former);
-        return former;
-    }
+    // Publishes the empty container and answers what was there, for the caller to end after waitForReaders().
+    snapshotPtr clear(heldMutex const& held) noexcept { return snapshotPtr(mSlot.exchange(held, {})); }
 
 private:
-    snapshotPtr mPublished;
+    publishedSlot<body> mSlot;
 };
-
-// Walks a snapshot: `visit` gets each element. Answers false when a visit answered false and stopOnFalse is set,
-// which ends the walk; else true.
-template <class Container, class Visit>
-bool walk(sharedPtr<Container const> const& snapshot, bool stopOnFalse, Visit const& visit) {
-    if (!snapshot) return true;
-    for (auto const& element : *snapshot) {
-        if (!visit(element) && stopOnFalse) return false;
-    }
-    return true;
-}
 
 } // namespace zov::metamodel

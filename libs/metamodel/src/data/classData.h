@@ -3,41 +3,42 @@
 
 #include <atomic>
 #include <cstdint>
-#include <map>
 #include <mutex>
-#include <vector>
 
 #include "base/cowSlot.h"
+#include "base/linkSlot.h"
+#include "data/classTable.h"
+#include "data/fieldList.h"
+#include "data/relationLists.h"
 #include "parts/userProperties.h"
 #include "zovGenericSet.h"
 #include "zovMdlClassInfo.h"
 #include "zovMdlFieldInfo.h"
 #include "zovMdlIdInfo.h"
-#include "zovMdlRelationInfo.h"
 
 namespace zov::metamodel {
-
-using classTable = std::map<scString, refPtr<classInfo>>;
-using relationList = std::vector<refPtr<relationInfo>>;
-using fieldList = std::vector<refPtr<fieldInfo>>;
 
 struct classData {
     classData(scString name, bool caseSensitiveNames) : mName(name), mCaseSensitiveNames(caseSensitiveNames) {}
 
-    std::recursive_mutex mutable mMutex; // held while a field list or a table is replaced, and while a semantic changes
+    static classData const& of(classInfo const& owner) { return *owner.mData; }
+
+    // What lookups read stands together.
     scString const mName;
-    bool const mCaseSensitiveNames; // the model's rule at the time the class was made
-    string mLabel;
+    bool const mCaseSensitiveNames;        // the model's rule at the time the class was made
+    bool mHasCapitals = false;             // the name of some field is not its own lower case; for writers
     std::atomic<std::int32_t> mFlags{0};
-    refPtr<idInfo> mutable mIdInfo;              // shared slot
-    std::atomic<std::uint64_t> mIdGeneration{0}; // counts how often the slot above was dropped
+    linkSlot<idInfo> mutable mIdInfo;
     cowSlot<classTable> mBaseClasses;
     cowSlot<classTable> mDerivedClasses;
-    cowSlot<fieldList> mFieldInfos;
-    cowSlot<relationList> mFromRelations; // those that arrive at this class
-    cowSlot<relationList> mToRelations;   // those that leave it
-    genericSet mProperties;               // "Alias": the alias list
+    fieldList mFieldInfos;
+    arrivingRelations mFromRelations;
+    leavingRelations mToRelations;
+    std::atomic<std::uint64_t> mIdGeneration{0}; // counts how often the id set was dropped
+    string mLabel;
+    genericSet mProperties; // "Alias": the alias list
     userProperties mUserProperties;
+    std::recursive_mutex mutable mMutex; // held while a field list or a table is replaced, and while a semantic changes
 };
 
 } // namespace zov::metamodel

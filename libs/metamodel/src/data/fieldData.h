@@ -3,7 +3,9 @@
 
 #include <atomic>
 #include <cstdint>
+#include <memory>
 
+#include "base/linkSlot.h"
 #include "parts/userProperties.h"
 #include "zovGenericSet.h"
 #include "zovMdlClassInfo.h"
@@ -11,23 +13,35 @@
 
 namespace zov::metamodel {
 
+// Texts for people, which few fields have.
+struct fieldTexts {
+    string label;
+    string unit;
+};
+
 struct fieldData {
-    fieldData(refPtr<classInfo> owner, refPtr<fieldInfo> baseField, scString name, eFieldType type,
+    fieldData(refPtr<classInfo> const& owner, refPtr<fieldInfo> baseField, scString name, eFieldType type,
               scString customTypeString, genericSet const& typeAttribs)
-        : mClassInfo(std::move(owner)), mBaseField(std::move(baseField)), mName(name), mType(type),
+        : mClassInfo(owner), mBaseField(std::move(baseField)), mName(name), mType(type),
           mCustomTypeString(customTypeString), mTypeAttribs(typeAttribs) {}
 
-    refPtr<classInfo> mClassInfo; // shared slot
+    string const& text(string fieldTexts::*which) const noexcept { return mTexts ? *mTexts.*which : scString().string(); }
+    void setText(string fieldTexts::*which, string const& text) {
+        if (!mTexts) mTexts = std::make_unique<fieldTexts>();
+        *mTexts.*which = text;
+    }
+
+    linkSlot<classInfo> mClassInfo;
     refPtr<fieldInfo> const mBaseField;
     scString const mName; // empty in an inheriting field
-    string mLabel;
-    string mUnit;
     std::atomic<eFieldType> mType;
-    std::atomic<scString> mCustomTypeString;
-    genericSet mTypeAttribs;
-    std::atomic<std::int32_t> mFlags{0};
     std::atomic<eFieldSemantics> mSemantic{eSemNone};
+    std::atomic<std::int32_t> mFlags{0};
+    std::atomic<bool> mHasFurtherPairs{false}; // some relation leads from here by a pair that is not its first one
+    std::atomic<scString> mCustomTypeString;
     std::atomic<scString> mCustomSemanticString{scString()};
+    std::unique_ptr<fieldTexts> mTexts; // made by the first text
+    genericSet mTypeAttribs;
     genericSet mSemanticAttribs;
     genericSet mDefinitions; // aliases, defaults, expressions, condition, equality: see parts/definitions.h
     userProperties mUserProperties;

@@ -2,22 +2,22 @@
 #pragma once
 
 #include <atomic>
-#include <map>
+#include <cstddef>
 #include <mutex>
 
-#include "base/cowSlot.h"
-#include "zovMdlClassInfo.h"
+#include "data/classMap.h"
 
 namespace zov::metamodel {
 
-// Classes by scName(), in the order of name handles.
-using classMap = std::map<scString, refPtr<classInfo>>;
-
 struct modelRegistry {
-    std::recursive_mutex mMutex; // held while a class is made and published, accept included
-    cowSlot<classMap> mClasses;
-    std::mutex mCaseRuleMutex;                    // held while the stored rule and the copy below change together
+    // What every lookup reads, and registrations write only where they publish.
+    classMap mClasses;
     std::atomic<bool> mCaseSensitiveNames{false}; // the property of that name as a bool, ready for lookups
+
+    // What registrations write all the while stands on other cache lines.
+    [[maybe_unused]] std::byte mGap[128];
+    std::recursive_mutex mMutex;   // held while a class is made and published, accept included
+    std::mutex mCaseRuleMutex;     // held while the stored rule and the copy above change together
 };
 
 } // namespace zov::metamodel

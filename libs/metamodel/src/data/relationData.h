@@ -19,6 +19,18 @@ using fieldPairs = std::vector<fieldPair>;
 struct relationData {
     explicit relationData(eRelationType type) : mType(type) {}
 
+    // The one field of the first pair that has `field` as the other one, or an empty pointer.
+    refPtr<fieldInfo> partner(fieldInfo const* field, refPtr<fieldInfo> fieldPair::*known,
+                              refPtr<fieldInfo> fieldPair::*wanted) const {
+        readSection const reading;
+        fieldPairs const* const pairs = mRelations.peek(reading);
+        if (!pairs) return nullptr;
+        for (fieldPair const& pair : *pairs) {
+            if (pair.*known == field) return pair.*wanted;
+        }
+        return nullptr;
+    }
+
     std::recursive_mutex mMutex; // held while a pair is added
     eRelationType const mType;
     cowSlot<fieldPairs> mRelations;

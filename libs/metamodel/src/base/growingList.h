@@ -1,0 +1,243 @@
+// The growing list: for containers that only grow, by one entry at a time, and are read far more often. They keep the
+// order in which entries came; entries with a key are found by it at once.
+//
+// Entries lie in one block of memory with an index of their keys. Adding one writes behind the published ones and
+// publishes a greater size: nothing is copied, and whoever reads goes by the size that he found. A full block is
+// replaced by one of twice the room. The newest block holds the references; a former block that a walk still needs
+// holds the newer one instead, so that what it lists stays alive.
+//
+// Writers prove with the owner's held mutex that they are alone. Readers work within a section, or on a snapshot.
+//
+// Entry: trivially copyable; retain() and release() count and give up what it refers to; with `isIndexed`, key()
+// answers its scrambled key (see scrambled).
+#pragma once
+
+#include <algorithm>
+#include <atomic>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <new>
+#include <span>
+#include <type_traits>
+
+#include "base/publishedSlot.h"
+
+namespace zov::metamodel {
+
+// Spreads what tells keys apart, such as the address behind a name handle, over 64 bits.
+constexpr std::uint64_t scrambled(std::uint64_t key) noexcept {
+    std::uint64_t const product = key * 0x9E3779B97F4A7C15U;
+    return product ^ (product >> 32);
+}
+
+inline std::uint64_t addressOf(void const* object) noexcept {
+    return reinterpret_cast<std::uintptr_t>(object);
+}
+
+// What lies beside the entries of a block, is copied with them, and ends them: nothing, and the first one first.
+struct noHead {
+    template <class Entry>
+    void releaseAll(std::span<Entry> entries) noexcept {
+        for (Entry const& entry : entries)
+            entry.release();
+    }
+};
+
+template <class Entry, class Head = noHead>
+class growingList {
+    static_assert(std::is_trivially_copyable_v<Entry>);
+
+    struct block;
+
+public:
+    class snapshotPtr;
+
+    // ---- readers
+
+    // What is published at this moment.
+    snapshotPtr snapshot() const noexcept { return snapshotPtr(mSlot.share()); }
+
+    // The same, not counted: valid until the end of the section.
+    std::span<Entry const> peek(readSection const& reading) const noexcept {
+        block const* const now = mSlot.peek(reading);
+        return now ? now->published() : std::span<Entry const>();
+    }
+
+    // The first entry with this scrambled key that `matches` accepts, or null; valid until the end of the section.
+    template <class Matches>
+    Entry const* find(readSection const& reading, std::uint64_t key, Matches const& matches) const noexcept {
+        block const* const now = mSlot.peek(reading);
+        return now ? now->find(key, matches) : nullptr;
+    }
+
+    std::size_t size() const noexcept {
+        readSection const reading;
+        return peek(reading).size();
+    }
+
+    // ---- writers
+
+    // Makes room for `more` entries, after which adding so many cannot fail. Throws std::bad_alloc, and nothing has
+    // changed.
+    void reserve(heldMutex const& held, std::size_t more) {
+        block* const now = mSlot.current(held);
+        std::size_t const needed = (now ? now->taken : 0) + more;
+        if (needed <= (now ? now->room : 0)) return;
+        heldBody<block> next(block::make(needed, now));
+        if (now) now->heir = heldBody<block>::share(next.get());
+        auto const former = mSlot.exchange(held, std::move(next));
+        if (former) waitForReaders();
+    }
+
+    // Adds a copy of the entry, retained, where readers do not see it until it is committed. There must be room.
+    Entry& stage(heldMutex const& held, Entry const& added) noexcept {
+        added.retain();
+        return mSlot.current(held)->stage(added);
+    }
+
+    // Lets readers see all entries that have been staged, at once.
+    void commit(heldMutex const& held) noexcept {
+        publishPoint();
+        mSlot.current(held)->commit();
+    }
+
+    void append(heldMutex const& held, Entry const& added) {
+        reserve(held, 1);
+        stage(held, added);
+        commit(held);
+    }
+
+    // Publishes a list in which the entry at `position` is `instead`. Walks that have begun see the former one.
+    // Throws std::bad_alloc, and nothing has changed.
+    void replace(heldMutex const& held, std::size_t position, Entry const& instead) {
+        block* const now = mSlot.current(held);
+        heldBody<block> next(block::make(now->taken, now));
+        next.get()->entries()[position] = instead;
+        for (Entry const& entry : next.get()->published())
+            entry.retain();
+        auto const former = mSlot.exchange(held, std::move(next));
+        waitForReaders();
+    }
+
+    // For writers: all entries, and what lies beside them.
+    std::span<Entry> entries(heldMutex const& held) noexcept {
+        block* const now = mSlot.current(held);
+        return now ? std::span(now->entries(), now->taken) : std::span<Entry>();
+    }
+    Head& head(heldMutex const& held) noexcept { return mSlot.current(held)->head; }
+
+    // Publishes the empty list and answers what was there, for the caller to end after waitForReaders().
+    snapshotPtr clear(heldMutex const& held) noexcept { return snapshotPtr(mSlot.exchange(held, {})); }
+
+private:
+    publishedSlot<block> mSlot;
+};
+
+// The entries that were published at one moment, kept alive.
+template <class Entry, class Head>
+class growingList<Entry, Head>::snapshotPtr {
+public:
+    snapshotPtr() noexcept = default;
+
+    Entry const* begin() const noexcept { return mBlock ? mBlock.get()->entries() : nullptr; }
+    Entry const* end() const noexcept { return begin() + mSize; }
+    std::size_t size() const noexcept { return mSize; }
+    bool empty() const noexcept { return mSize == 0; }
+    Head const& head() const noexcept { return mBlock.get()->head; }
+
+    std::span<Entry const> entries() const noexcept { return {begin(), mSize}; }
+
+private:
+    friend class growingList;
+    explicit snapshotPtr(heldBody<block> held) noexcept
+        : mBlock(std::move(held)), mSize(mBlock ? mBlock.get()->published().size() : 0) {}
+
+    heldBody<block> mBlock;
+    std::size_t mSize = 0;
+};
+
+// Header, entries and index in one piece of memory. The index is an open-addressing table of a power of two of words,
+// at most three quarters of them taken: half a word of the key, and the entry's position plus 1; 0 is a free place.
+// Words are only ever added, behind the entries that they lead to.
+template <class Entry, class Head>
+struct growingList<Entry, Head>::block {
+    using word = std::atomic<std::uint64_t>;
+
+    // A block for at least `needed` entries, with what `former` has taken. Throws std::bad_alloc.
+    static block* make(std::size_t needed, block const* former) {
+        std::size_t const words = std::max(minimumWords, std::bit_ceil(needed + needed / 3 + 1));
+        std::size_t const room = words / 4 * 3;
+        std::size_t const indexed = Entry::isIndexed ? words : 0;
+        void* const storage = ::operator new(sizeof(block) + room * sizeof(Entry) + indexed * sizeof(word));
+        block* const made = new (storage) block(room, indexed);
+        if (former) made->takeOver(*former);
+        return made;
+    }
+
+    static void end(block* last) noexcept {
+        if (!last->heir) last->head.releaseAll(std::span(last->entries(), last->taken));
+        last->~block();
+        ::operator delete(last);
+    }
+
+    template <class Matches>
+    Entry const* find(std::uint64_t key, Matches const& matches) const noexcept {
+        for (std::uint64_t at = key;; ++at) {
+            std::uint64_t const found = index()[at & (words - 1)].load(std::memory_order_acquire);
+            if (found == 0) return nullptr;
+            if ((found ^ key) >> 32 != 0) continue;
+            std::size_t const position = (found & 0xFFFFFFFF) - 1;
+            if (position < size.load(std::memory_order_acquire) && matches(entries()[position]))
+                return entries() + position;
+        }
+    }
+
+    std::span<Entry const> published() const noexcept { return {entries(), size.load(std::memory_order_acquire)}; }
+
+    Entry& stage(Entry const& added) noexcept {
+        Entry& entry = *new (entries() + taken) Entry(added);
+        ++taken;
+        if constexpr (Entry::isIndexed) {
+            std::uint64_t const key = entry.key();
+            std::uint64_t at = key;
+            while (index()[at & (words - 1)].load(std::memory_order_relaxed) != 0)
+                ++at;
+            index()[at & (words - 1)].store((key >> 32 << 32) | taken, std::memory_order_release);
+        }
+        return entry;
+    }
+
+    void commit() noexcept { size.store(taken, std::memory_order_release); }
+
+    Entry* entries() noexcept { return reinterpret_cast<Entry*>(this + 1); }
+    Entry const* entries() const noexcept { return reinterpret_cast<Entry const*>(this + 1); }
+    word* index() noexcept { return reinterpret_cast<word*>(entries() + room); }
+    word const* index() const noexcept { return reinterpret_cast<word const*>(entries() + room); }
+
+    std::atomic<std::uint32_t> holders{1};
+    std::atomic<std::uint32_t> size{0}; // entries that readers see
+    std::uint32_t taken = 0;            // entries that are there; writers only
+    std::uint32_t const room;
+    std::uint32_t const words;
+    [[no_unique_address]] Head head;
+    heldBody<block> heir; // what holds the references in place of this block
+
+private:
+    static constexpr std::size_t minimumWords = 8;
+
+    block(std::size_t roomFor, std::size_t indexWords) noexcept
+        : room(static_cast<std::uint32_t>(roomFor)), words(static_cast<std::uint32_t>(indexWords)) {
+        std::uninitialized_value_construct_n(index(), indexWords);
+    }
+
+    void takeOver(block const& former) noexcept {
+        for (Entry const& entry : std::span(former.entries(), former.taken))
+            stage(entry);
+        head = former.head;
+        commit();
+    }
+};
+
+} // namespace zov::metamodel

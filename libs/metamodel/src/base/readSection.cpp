@@ -1,0 +1,85 @@
+#include "base/readSection.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstddef>
+#include <mutex>
+#include <thread>
+
+#include "base/publishPoint.h"
+
+namespace zov::metamodel {
+
+namespace {
+
+constexpr unsigned stripeCount = 64;
+constexpr std::size_t apart = 128; // two lines, since processors fetch them in pairs
+
+// The sections that are open now, counted apart by the phase in which they began.
+struct alignas(apart) stripe {
+    std::atomic<std::uint32_t> open[2];
+};
+
+constinit stripe stripes[stripeCount];
+
+// 0 or 1: where sections that begin now are counted. A writer turns it, so that the count it waits for only falls.
+alignas(apart) constinit std::atomic<unsigned> phase{0};
+
+alignas(apart) constinit std::atomic<unsigned> threadsSeen{0};
+constinit std::mutex turnMutex; // held by the one writer that turns the phase
+
+constexpr unsigned noStripe = stripeCount;
+
+#if defined(__ELF__)
+[[gnu::tls_model("initial-exec")]]
+#endif
+constinit thread_local unsigned ownStripe = noStripe;
+
+[[gnu::noinline]] unsigned takeStripe() noexcept {
+    return ownStripe = threadsSeen.fetch_add(1) % stripeCount;
+}
+
+// Whether no section is open on the stripes in use: each stripe was seen without one at some moment.
+template <class IsQuiet>
+bool allStripes(IsQuiet const& isQuiet) noexcept {
+    auto const used = std::min(threadsSeen.load(), stripeCount);
+    return std::all_of(stripes, stripes + used, isQuiet);
+}
+
+// Sections are some hundred instructions long. One that takes longer belongs to a thread that does not run.
+void pause(int round) noexcept {
+    constexpr int spins = 64;
+    constexpr int yields = 32;
+    if (round < spins) return;
+    if (round < spins + yields) return std::this_thread::yield();
+    std::this_thread::sleep_for(std::chrono::microseconds(50));
+}
+
+void waitUntilEnded(unsigned inPhase) noexcept {
+    auto const isQuiet = [inPhase](stripe const& own) { return own.open[inPhase].load() == 0; };
+    for (int round = 0; !allStripes(isQuiet); ++round)
+        pause(round);
+}
+
+} // namespace
+
+std::atomic<std::uint32_t>& readSection::enter() noexcept {
+    unsigned const number = ownStripe != noStripe ? ownStripe : takeStripe();
+    auto& open = stripes[number].open[phase.load(std::memory_order_relaxed)];
+    open.fetch_add(1);
+    return open;
+}
+
+// Both counts have been 0 after the call began, so that no section from before it is left. New sections are counted
+// where nobody waits, so that both counts do come to 0.
+void waitForReaders() noexcept {
+    publishPoint();
+    if (allStripes([](stripe const& own) { return own.open[0].load() + own.open[1].load() == 0; })) return;
+    std::lock_guard const turn(turnMutex);
+    unsigned const now = phase.load();
+    waitUntilEnded(1 - now);
+    phase.store(1 - now);
+    waitUntilEnded(now);
+}
+
+} // namespace zov::metamodel

@@ -1,0 +1,40 @@
+// How readers look at published objects without counting them, and how writers free nothing under their eyes.
+//
+//     readSection const reading;                 // reader: what is published now stays alive until the end of the scope
+//     body const* now = published.load();        // with memory_order_seq_cst
+//
+//     body* former = published.exchange(next);   // writer, likewise seq_cst: no new reader finds `former`
+//     waitForReaders();                          // nobody who found it before is still looking
+//     delete former;
+//
+// A section costs its thread two atomic additions on a cache line that is the thread's own (threads share lines only
+// when there are more than 64 of them). It never waits, allocates nothing, and may lie within another one.
+//
+// Within a section nothing may be called that waits, locks, ends objects or belongs to the host: writers wait for its
+// end. Whoever needs an object beyond that counts it before the section ends.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+
+namespace zov::metamodel {
+
+class readSection {
+public:
+    readSection() noexcept : mOpen(enter()) {}
+    ~readSection() { mOpen.fetch_sub(1, std::memory_order_release); }
+
+    readSection(readSection const&) = delete;
+    readSection& operator=(readSection const&) = delete;
+
+private:
+    static std::atomic<std::uint32_t>& enter() noexcept;
+
+    std::atomic<std::uint32_t>& mOpen;
+};
+
+// Returns when every section that was open at the call has ended; later ones are not waited for. Not to be called
+// within a section.
+void waitForReaders() noexcept;
+
+} // namespace zov::metamodel

@@ -1,0 +1,96 @@
+// The search through the bases of a class: depth first, bases in the order of name handles, each distinct class once.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <span>
+#include <cstddef>
+#include <vector>
+
+#include "data/classData.h"
+
+namespace zov::metamodel {
+
+// The classes that a search has met. Up to some hundred of them need no memory of the heap.
+class metClasses {
+public:
+    // Answers whether the class is new, and remembers it. Throws std::bad_alloc.
+    bool add(classData const* met) {
+        if (mCount * 4 >= mSlots.size() * 3) grow();
+        auto const slot = place(mSlots, met);
+        if (*slot) return false;
+        *slot = met;
+        ++mCount;
+        return true;
+    }
+
+private:
+    using slots = std::span<classData const*>;
+
+    static classData const** place(slots in, classData const* met) noexcept {
+        for (std::uint64_t at = scrambled(addressOf(met));; ++at) {
+            classData const** const slot = &in[at & (in.size() - 1)];
+            if (!*slot || *slot == met) return slot;
+        }
+    }
+
+    void grow() {
+        if (mSlots.empty()) {
+            mInline.fill(nullptr);
+            mSlots = mInline;
+            return;
+        }
+        std::vector<classData const*> larger(mSlots.size() * 2);
+        for (auto const* met : mSlots) {
+            if (met) *place(larger, met) = met;
+        }
+        mHeap.swap(larger);
+        mSlots = mHeap;
+    }
+
+    std::array<classData const*, 512> mInline; // filled when it is first needed
+    std::vector<classData const*> mHeap;
+    slots mSlots;
+    std::size_t mCount = 0;
+};
+
+// Looks at the bases within a section: for searches that call nothing but the library.
+struct withinSection {
+    readSection const& reading;
+
+    classTable const* bases(classData const& of) const noexcept { return of.mBaseClasses.peek(reading); }
+};
+
+// Keeps the bases alive by snapshots: for searches that call the host.
+struct bySnapshots {
+    static cowSlot<classTable>::snapshotPtr bases(classData const& of) noexcept { return of.mBaseClasses.snapshot(); }
+};
+
+// Access is one of the two above.
+template <class Access>
+class baseSearch {
+public:
+    explicit baseSearch(Access access) noexcept : mAccess(access) {}
+
+    // Calls `visit` with each distinct direct or indirect base until it answers true. Answers whether it did.
+    // Throws std::bad_alloc when there are more than some hundred.
+    template <class Visit>
+    bool any(classData const& from, Visit const& visit) {
+        auto const bases = mAccess.bases(from);
+        if (!bases) return false;
+        // A class can be met again only behind one that has several bases.
+        mMayMeetAgain = mMayMeetAgain || bases->size() > 1;
+        for (classTable::related const& base : *bases) {
+            if (mMayMeetAgain && base.data && !mMet.add(base.data)) continue;
+            if (visit(base) || (base.data && any(*base.data, visit))) return true;
+        }
+        return false;
+    }
+
+private:
+    Access mAccess;
+    metClasses mMet;
+    bool mMayMeetAgain = false;
+};
+
+} // namespace zov::metamodel

@@ -1,0 +1,28 @@
+// The fields of a class by their names: finding them, and adding further ones.
+#pragma once
+
+#include <vector>
+
+#include "base/nameKey.h"
+#include "data/classData.h"
+
+namespace zov::metamodel {
+
+// The field of this name: of the class's own, else, with searchBaseClasses, of its bases, in whose own bases aliases
+// must be wanted for a search. Null when there is none. Valid until the end of the section.
+fieldInfo* findField(readSection const& reading, classData const& owner, lookedUpName& name, bool searchBaseClasses,
+                     bool searchAliases);
+
+// Adds the field, unless its name is taken: by the same one, or, unless letter case matters, by one that differs in
+// letter case alone. Answers the field that takes it, or null. Throws std::bad_alloc, and nothing has changed.
+refPtr<fieldInfo> addField(classData& owner, heldMutex const& held, refPtr<fieldInfo> const& added,
+                           bool caseSensitive);
+
+// Whether a field of the class, or one of `coming`, takes the name, letter case apart.
+bool isTaken(classData& owner, heldMutex const& held, scString name, std::vector<refPtr<fieldInfo>> const& coming);
+
+// Adds fields whose names are not taken; readers see all of them at once. Throws std::bad_alloc, and nothing has
+// changed.
+void addFields(classData& owner, heldMutex const& held, std::vector<refPtr<fieldInfo>> const& added);
+
+} // namespace zov::metamodel
