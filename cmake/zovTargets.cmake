@@ -64,7 +64,10 @@ function(zov_add_library name)
   if(ZOV_COVERAGE)
     target_link_options(${name} PRIVATE --coverage)
   endif()
-  if(CMAKE_SYSTEM_NAME STREQUAL "Linux" AND NOT ZOV_SANITIZE)
-    target_link_options(${name} PRIVATE -Wl,--no-undefined)
+  if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
+    # A library's own calls lead to its own functions, whatever else the process has loaded. Data stays shared: type
+    # information and the statics of inline functions are one in the process.
+    target_compile_options(${name}Objects PRIVATE -fno-semantic-interposition)
+    target_link_options(${name} PRIVATE -Wl,-Bsymbolic-functions $<$<NOT:$<BOOL:${ZOV_SANITIZE}>>:-Wl,--no-undefined>)
   endif()
 endfunction()

@@ -81,15 +81,19 @@ T read(genericValue const& value) {
 // behaviour: SC-12
 TEST(interningFaults, leaveTheTableAsItWas) {
     // More texts than the table has room for at first, so that its growth fails too.
+    long most = 0;
     for (int number = 0; number < 3000; ++number) {
         string const text(L"interned while memory is short " + std::to_wstring(number));
         std::optional<scString> made;
         long const failures = failEachAllocation([&] { made = scString::createFrom(text); },
                                                  [&] { return scString::find(text) == std::nullopt; });
-        ASSERT_GE(failures, 2);
+        ASSERT_GE(failures, 1);
+        most = std::max(most, failures);
         ASSERT_EQ(scString::find(text), made);
         ASSERT_EQ(made->string(), text);
     }
+    // The text, the larger table with its slots and its list of blocks, and a block.
+    EXPECT_GE(most, 5);
 }
 
 // behaviour: SC-13

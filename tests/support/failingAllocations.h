@@ -27,14 +27,16 @@ inline thread_local std::size_t allocationsMade = 0;
 // The allocations of this thread less what it freed: unchanged by an operation that loses nothing.
 inline thread_local long allocationsAlive = 0;
 
-inline void* allocateOrFail(std::size_t size) {
+inline void* allocateOrFail(std::size_t size, std::size_t alignment = alignof(std::max_align_t)) {
     ++allocationsMade;
     if (allocationsLeft == 0) {
         if (failingNow == eOneAllocation) allocationsLeft = -1;
         return nullptr;
     }
     if (allocationsLeft > 0) --allocationsLeft;
-    void* const storage = std::malloc(size ? size : 1);
+    std::size_t const units = size / alignment + (size % alignment != 0 || size == 0 ? 1 : 0);
+    void* const storage = alignment > alignof(std::max_align_t) ? std::aligned_alloc(alignment, units * alignment)
+                                                                : std::malloc(size ? size : 1);
     if (storage) ++allocationsAlive;
     return storage;
 }
@@ -73,6 +75,10 @@ void* operator new(std::size_t size, std::nothrow_t const&) noexcept {
 void* operator new[](std::size_t size, std::nothrow_t const&) noexcept {
     return zov::tests::allocateOrFail(size);
 }
+void* operator new(std::size_t size, std::align_val_t alignment) {
+    if (void* const storage = zov::tests::allocateOrFail(size, static_cast<std::size_t>(alignment))) return storage;
+    throw std::bad_alloc();
+}
 void operator delete(void* storage) noexcept {
     zov::tests::freeAllocated(storage);
 }
@@ -83,6 +89,12 @@ void operator delete(void* storage, std::size_t) noexcept {
     zov::tests::freeAllocated(storage);
 }
 void operator delete[](void* storage, std::size_t) noexcept {
+    zov::tests::freeAllocated(storage);
+}
+void operator delete(void* storage, std::align_val_t) noexcept {
+    zov::tests::freeAllocated(storage);
+}
+void operator delete(void* storage, std::size_t, std::align_val_t) noexcept {
     zov::tests::freeAllocated(storage);
 }
 // NOLINTEND

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <map>
 #include <optional>
+#include <random>
 #include <set>
 #include <string>
 #include <string_view>
@@ -188,6 +189,120 @@ TEST(scStringFindLowered, foldsCodePointsOfTwoUnitsToo) {
     string const small = string::fromUtf8("sc \xF0\x90\x90\xA8");
     scString const name = scString::createFrom(small);
     EXPECT_EQ(scString::findLowered(capital), name);
+}
+
+// Where a text has a unit that is none of the small letters: nowhere, at its start, in its middle, at its end.
+std::vector<std::size_t> placesIn(std::size_t length) {
+    if (length == 0) return {};
+    return {0, length / 2, length - 1};
+}
+
+// Pieces that the looked-up text and its lower-case form treat differently.
+std::vector<string> const& notablePieces() {
+    static std::vector<string> const pieces{
+        L"Q",                                        // a capital
+        L"@",                                        // in front of the capitals
+        L"[",                                        // behind them
+        string(1, L'\0'),                            // a null
+        L"\u007F",                                   // the last unit of ASCII
+        L"\u0080",                                   // the first one behind
+        L"\u00C4",                                   // Latin-1 with a lower case
+        L"\u00DF",                                   // without
+        L"\u00FF",                                   // the last unit of Latin-1
+        L"\u0100",                                   // the first one behind
+        L"\u0130",                                   // folds into ASCII
+        L"\u0178",                                   // folds into Latin-1
+        L"\u212A",                                   // folds into ASCII
+        L"\u4E2D",                                   // without a lower case
+        L"\U00010400",                               // beyond 16 bits, with one
+        L"\U0001F600",                               // without
+        string(1, wchar_t{0xD801}),                  // half of a pair
+        string(1, wchar_t{0xDC00}),                  // the other half
+        string(1, static_cast<wchar_t>(0x80000041U)) // no code point, or one beyond the unit
+    };
+    return pieces;
+}
+
+// behaviour: SC-04
+// behaviour: SC-10
+// behaviour: SC-11
+TEST(scStringFind, tellsTextsOfEveryLengthApart) {
+    std::map<std::wstring, scString> known;
+    std::vector<string> texts;
+    for (std::size_t length = 0; length <= 70; ++length) {
+        string const plain(length, L'z');
+        texts.push_back(plain);
+        for (std::size_t const at : placesIn(length)) {
+            for (string const& piece : notablePieces())
+                texts.push_back(string(std::wstring(plain).replace(at, 1, piece)));
+        }
+    }
+    // Only every other text is interned.
+    for (std::size_t number = 0; number < texts.size(); number += 2)
+        known.emplace(texts[number], scString::createFrom(texts[number]));
+    known.emplace(L"", scString());
+    // What is not known here may have been interned by other tests of the process, but then as what it is.
+    auto const isRight = [&known](string const& asked, std::optional<scString> const& answered) {
+        auto const expected = known.find(asked);
+        if (expected != known.end()) return answered == expected->second;
+        return !answered || answered->string() == asked;
+    };
+    for (string const& text : texts) {
+        ASSERT_TRUE(isRight(text, scString::find(text))) << text.toUtf8();
+        ASSERT_TRUE(isRight(text.lower(), scString::find(text.lower()))) << text.toUtf8();
+        ASSERT_TRUE(isRight(text.lower(), scString::findLowered(text))) << text.toUtf8();
+    }
+    for (auto const& [text, name] : known)
+        ASSERT_EQ(name.string(), text);
+}
+
+// behaviour: SC-04
+// behaviour: SC-10
+// behaviour: SC-11
+TEST(scStringFind, agreesWithAMapOfRandomTexts) {
+    std::mt19937 random(20);
+    auto const below = [&random](std::size_t limit) { return static_cast<std::size_t>(random() % limit); };
+    auto const randomText = [&] {
+        string text;
+        std::size_t const pieces = below(40);
+        std::size_t const odds = 1 + below(30); // some texts have few notable pieces, some many
+        for (std::size_t piece = 0; piece < pieces; ++piece)
+            text +=
+                below(odds) == 0 ? notablePieces()[below(notablePieces().size())] : string(1, below(2) ? L'k' : L'K');
+        return text;
+    };
+    std::map<std::wstring, scString> known{{L"", scString()}};
+    for (int round = 0; round < 20'000; ++round) {
+        string const text = randomText();
+        if (below(3) == 0) {
+            scString const name = scString::createFrom(text);
+            auto const added = known.emplace(text, name);
+            ASSERT_EQ(added.first->second, name);
+            ASSERT_EQ(name.string(), text);
+        }
+        // Other tests of this process may have interned such a text, but then as what it is.
+        for (bool const lowered : {false, true}) {
+            auto const found = lowered ? scString::findLowered(text) : scString::find(text);
+            string const asked = lowered ? text.lower() : text;
+            ASSERT_TRUE(!found || found->string() == asked);
+            auto const expected = known.find(asked);
+            ASSERT_TRUE(expected == known.end() || found == expected->second);
+        }
+    }
+}
+
+// behaviour: SC-10
+TEST(scStringFind, readsNothingBesideTheText) {
+    // The text fills its storage, so that whoever reads further reads what is not there.
+    for (std::size_t length = 1; length <= 40; ++length) {
+        std::vector<wchar_t> const text(length, L'Y');
+        std::wstring_view const units(text.data(), text.size());
+        EXPECT_EQ(scString::find(units), std::nullopt);
+        EXPECT_EQ(scString::findLowered(units), std::nullopt);
+        scString const name = scString::createFrom(units);
+        EXPECT_EQ(scString::find(units), name);
+        EXPECT_EQ(name.string(), units);
+    }
 }
 
 } // namespace

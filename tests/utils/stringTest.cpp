@@ -13,6 +13,7 @@
 #include <string>
 #include <type_traits>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -96,6 +97,26 @@ TEST(stringLower, returnsACopy) {
     EXPECT_EQ(text.lower(), L"abc");
     EXPECT_EQ(text, L"ABC");
     EXPECT_EQ(string().lower(), L"");
+}
+
+// behaviour: ST-02
+// behaviour: ST-03
+TEST(stringLower, foldsTextsOfEveryLength) {
+    for (std::size_t length = 1; length <= 70; ++length) {
+        EXPECT_EQ(string(length, L'Q').lower(), string(length, L'q'));
+        EXPECT_EQ(string(length, L'@').lower(), string(length, L'@'));
+        EXPECT_EQ(string(length, L'[').lower(), string(length, L'['));
+        for (std::size_t const at : {std::size_t{0}, length / 2, length - 1}) {
+            for (auto const& [capital, small] : {std::pair{L'\u00C4', L'\u00E4'}, std::pair{L'\u212A', L'k'},
+                                                 std::pair{L'\u0178', L'\u00FF'}, std::pair{L'\u4E2D', L'\u4E2D'}}) {
+                string text(length, L'Z');
+                string expected(length, L'z');
+                text[at] = capital;
+                expected[at] = small;
+                EXPECT_EQ(text.lower(), expected);
+            }
+        }
+    }
 }
 
 // behaviour: ST-03

@@ -202,7 +202,8 @@ private:
 
     T* exchangeFrom(refSlot const& other) {
         referencePtrLocker guard;
-        return exchange(other.mObject);
+        count(other.mObject);
+        return std::exchange(mObject, other.mObject);
     }
 
     T* mObject = nullptr;

@@ -9,6 +9,7 @@
 
 #include "zovAssert.h"
 #include "zovSpinLock.h"
+#include "zovThreads.h"
 
 namespace zov {
 
@@ -72,17 +73,10 @@ private:
 class refObjEnding {
 public:
     // The queue of this thread, null while it ends nothing.
-    static refObjEnding* current() noexcept { return sCurrent; }
+    static refObjEnding* current() noexcept;
 
     // Ends `object`, whose count has come to 0, and all that goes with it. Answers whether every hook succeeded.
-    static bool run(refObj* object) noexcept {
-        refObjEnding ending;
-        sCurrent = &ending;
-        ending.end(object);
-        ending.carryOutAll();
-        sCurrent = nullptr;
-        return !ending.mFailed;
-    }
+    static bool run(refObj* object) noexcept;
 
     // Takes a release of `object` to be carried out after the object that is ending now.
     void putOff(refObj* object) noexcept {
@@ -145,7 +139,6 @@ private:
     }
 
     static constexpr std::size_t inlineCapacity = 256;
-    static thread_local refObjEnding* sCurrent;
 
     refObj* mInline[inlineCapacity];
     std::unique_ptr<refObj*[]> mSpill;
@@ -158,7 +151,35 @@ private:
     bool mFailed = false;
 };
 
-thread_local refObjEnding* refObjEnding::sCurrent = nullptr;
+namespace {
+
+ZOV_NEAR_THREAD constinit thread_local refObjEnding* currentEnding = nullptr;
+
+// Kept apart from release(), which seldom comes here.
+[[gnu::noinline]] std::uint32_t putOffRelease(refObj* object, std::uint32_t left) noexcept {
+    currentEnding->putOff(object);
+    return left;
+}
+
+[[gnu::noinline]] std::uint32_t endUnreferenced(refObj* object) {
+    if (!refObjEnding::run(object) && std::uncaught_exceptions() == 0) throw false;
+    return 0;
+}
+
+} // namespace
+
+refObjEnding* refObjEnding::current() noexcept {
+    return currentEnding;
+}
+
+bool refObjEnding::run(refObj* object) noexcept {
+    refObjEnding ending;
+    currentEnding = &ending;
+    ending.end(object);
+    ending.carryOutAll();
+    currentEnding = nullptr;
+    return !ending.mFailed;
+}
 
 void waitingObjects::append(refObj* object) noexcept {
     refObjEnding::setNext(object, nullptr);
@@ -190,14 +211,10 @@ std::uint32_t refObj::addRef() {
 }
 
 std::uint32_t refObj::release() {
-    if (refObjEnding* ending = refObjEnding::current()) {
-        std::uint32_t const left = currentCount() - 1;
-        ending->putOff(this);
-        return left;
-    }
+    if (refObjEnding::current()) [[unlikely]]
+        return putOffRelease(this, currentCount() - 1);
     auto const left = static_cast<std::uint32_t>(interlockedDecrement(mWords));
-    if (left == 0 && !refObjEnding::run(this) && std::uncaught_exceptions() == 0) throw false;
-    return left;
+    return left == 0 ? endUnreferenced(this) : left;
 }
 
 std::uint32_t refObj::currentCount() const noexcept {

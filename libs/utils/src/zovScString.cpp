@@ -1,24 +1,34 @@
 #include "zovScString.h"
 
+#include <array>
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <mutex>
+#include <new>
+#include <type_traits>
+#include <utility>
 
 #include "zovHook.h"
 #include "zovLowerCase.h"
+#include "zovPackedText.h"
 
 namespace zov {
 
 namespace {
 
-// An interned text with its hash. Never changed, never freed.
-struct entry {
-    std::size_t hash;
-    string text;
-};
+// ---- looked-up texts
+//
+// Narrow texts (see packedText) are hashed and compared by their packed bytes, all others, called wide, unit by unit. A
+// text that is looked up by its lower-case form is taken for what that form is: whatever way a text came in, equal
+// (lowered) texts have the same hash.
 
-// How a looked-up text is read: as it stands, or folded unit by unit on the way.
+// Hashes of narrow and wide texts differ in the highest bit, so that they are never compared with each other.
+constexpr std::uint32_t wideMark = 0x80000000U;
+
+// How a wide text is read: as it stands, or folded unit by unit on the way.
 struct asWritten {
     template <class Fn>
     static void forEachUnit(std::wstring_view text, Fn&& fn) {
@@ -34,101 +44,212 @@ struct lowered {
     }
 };
 
-template <class Reading>
-std::size_t hashOf(std::wstring_view text) noexcept {
-    std::uint64_t hash = 0x9E3779B97F4A7C15U;
-    Reading::forEachUnit(text, [&hash](wchar_t unit) {
-        hash = (hash ^ static_cast<std::uint64_t>(unit)) * 0x9FB21C651E98DF25U;
-        hash ^= hash >> 32;
-    });
-    return static_cast<std::size_t>(hash);
-}
+// An interned text behind its packed form, which a wide text has none of. Never changed, never freed. One cache line,
+// where a string takes no more room than four pointers.
+struct alignas(64) entry {
+    packedBytes packed;
+    string text;
+};
+
+struct narrowText {
+    packedText units;
+
+    std::uint32_t hash() const noexcept { return static_cast<std::uint32_t>(units.hash()) & ~wideMark; }
+    packedBytes packed() const noexcept { return units.bytes(); }
+    bool isThatOf(entry const& known) const noexcept { return units.isThatOf(known.packed, known.text.size()); }
+};
 
 template <class Reading>
-bool spells(std::wstring_view text, string const& interned) noexcept {
-    if (text.size() != interned.size()) return false;
-    wchar_t const* expected = interned.data();
-    bool same = true;
-    Reading::forEachUnit(text, [&](wchar_t unit) { same = (unit == *expected++) && same; });
-    return same;
+struct wideText {
+    std::wstring_view units;
+
+    std::uint32_t hash() const noexcept {
+        std::uint64_t result = 0x9E3779B97F4A7C15U;
+        Reading::forEachUnit(units, [&result](wchar_t unit) {
+            result = (result ^ static_cast<std::uint64_t>(unit)) * 0x9FB21C651E98DF25U;
+            result ^= result >> 32;
+        });
+        return static_cast<std::uint32_t>(result) | wideMark;
+    }
+    packedBytes packed() const noexcept { return {}; }
+    bool isThatOf(entry const& known) const noexcept {
+        if (units.size() != known.text.size()) return false;
+        wchar_t const* expected = known.text.data();
+        bool same = true;
+        Reading::forEachUnit(units, [&](wchar_t unit) { same = (unit == *expected++) && same; });
+        return same;
+    }
+};
+
+// Calls `fn` with `text`, which is not empty, as a wide or as a narrow text.
+template <class Fn>
+auto withWritten(std::wstring_view text, Fn&& fn) {
+    if (text.size() <= packedText::longest) [[likely]] {
+        packedText const packed(text);
+        if (packed.isNarrow()) [[likely]]
+            return fn(narrowText{packed});
+    }
+    return fn(wideText<asWritten>{text});
 }
 
-// Open addressing over a power of two of slots, at most half of them taken. Slots are only ever filled.
+// The same for the lower-case form of `text`. Units beyond ASCII may have a lower case within, and those beyond 255 one
+// below: what the form is shows when it is made.
+template <class Fn>
+[[gnu::noinline]] auto withLoweredBeyondAscii(std::wstring_view text, Fn&& fn) {
+    if (text.size() > packedText::longest) return fn(wideText<lowered>{text});
+    std::array<wchar_t, packedText::longest> units;
+    auto next = units.begin();
+    forEachLowered(text, [&next](wchar_t unit) { *next++ = unit; });
+    return withWritten(std::wstring_view(units.data(), text.size()), fn);
+}
+
+template <class Fn>
+auto withLowered(std::wstring_view text, Fn&& fn) {
+    if (text.size() <= packedText::longest) [[likely]] {
+        packedText packed(text);
+        if (packed.isAscii()) [[likely]] {
+            packed.lowerAscii();
+            return fn(narrowText{packed});
+        }
+    }
+    return withLoweredBeyondAscii(text, fn);
+}
+
+// ---- the table
+
+// What tells an entry from others: the hash of its text in the high half, its number in the low half; 0 is nobody's.
+using slot = std::uint64_t;
+
+constexpr slot slotOf(std::uint32_t hash, std::uint32_t number) noexcept {
+    return slot{hash} << 32 | number;
+}
+constexpr std::uint32_t hashIn(slot taken) noexcept {
+    return static_cast<std::uint32_t>(taken >> 32);
+}
+constexpr std::uint32_t numberIn(slot taken) noexcept {
+    return static_cast<std::uint32_t>(taken);
+}
+
+constexpr std::size_t blockSize = 512;
+
+// Open addressing over a power of two of slots, less than half of them taken, and the blocks of entries that the slots
+// name by number. Slots are only ever filled; blocks, each of `blockSize` entries, never move.
 struct slotArray {
     explicit slotArray(std::size_t slotCount)
-        : mask(slotCount - 1), slots(std::make_unique<std::atomic<entry const*>[]>(slotCount)) {}
+        : mask(slotCount - 1), slots(std::make_unique<std::atomic<slot>[]>(slotCount)),
+          blocks(std::make_unique<std::atomic<entry*>[]>(slotCount / (2 * blockSize))) {}
 
-    template <class Reading>
-    entry const* find(std::wstring_view text, std::size_t hash) const noexcept {
-        for (std::size_t at = hash;; ++at) {
-            entry const* const found = slots[at & mask].load(std::memory_order_acquire);
-            if (!found || (found->hash == hash && spells<Reading>(text, found->text))) return found;
+    bool hasRoomFor(std::uint32_t number) const noexcept { return number < (mask + 1) / 2; }
+
+    std::atomic<entry*>& blockOf(std::uint32_t number) const noexcept { return blocks[number / blockSize]; }
+
+    // The place of an entry. Its block was made before any slot named it.
+    entry* at(std::uint32_t number) const noexcept {
+        return blockOf(number).load(std::memory_order_relaxed) + number % blockSize;
+    }
+
+    template <class Text>
+    entry const* find(Text const& text, std::uint32_t hash) const noexcept {
+        for (std::size_t next = hash;; ++next) {
+            slot const taken = slots[next & mask].load(std::memory_order_acquire);
+            if (hashIn(taken) != hash || !taken) {
+                if (!taken) return nullptr;
+                continue;
+            }
+            entry const* const known = at(numberIn(taken));
+            if (text.isThatOf(*known)) return known;
         }
     }
 
     // Only under the table's mutex, and only while a slot is free.
-    void add(entry const* added) noexcept {
-        std::size_t at = added->hash;
-        while (slots[at & mask].load(std::memory_order_relaxed))
-            ++at;
-        slots[at & mask].store(added, std::memory_order_release);
+    void add(slot added) noexcept {
+        std::size_t next = hashIn(added);
+        while (slots[next & mask].load(std::memory_order_relaxed))
+            ++next;
+        slots[next & mask].store(added, std::memory_order_release);
+    }
+
+    // Only before others see this array.
+    void addAllOf(slotArray const& other) noexcept {
+        for (std::size_t next = 0; next <= other.mask; ++next) {
+            if (slot const kept = other.slots[next].load(std::memory_order_relaxed)) add(kept);
+        }
+        for (std::size_t block = 0; block <= other.mask / (2 * blockSize); ++block)
+            blocks[block].store(other.blocks[block].load(std::memory_order_relaxed), std::memory_order_relaxed);
     }
 
     std::size_t const mask;
-    std::unique_ptr<std::atomic<entry const*>[]> const slots;
+    std::unique_ptr<std::atomic<slot>[]> const slots;
+    std::unique_ptr<std::atomic<entry*>[]> const blocks;
     std::unique_ptr<slotArray> smaller; // the array that this one replaced; readers may still be in it
 };
+
+std::mutex& tableMutex() {
+    static neverDestroyed<std::mutex> theMutex;
+    return *theMutex;
+}
 
 // The table of the process. Readers probe the current array without a lock; an array that is half full is
 // replaced by one of twice the size and kept, since a reader may be in it: all of them together take less room
 // than the current one.
 class interningTable {
 public:
-    template <class Reading>
-    string const* find(std::wstring_view text) const noexcept {
-        slotArray const* const slots = mSlots.load(std::memory_order_acquire);
-        if (!slots) return nullptr;
-        entry const* const found = slots->find<Reading>(text, hashOf<Reading>(text));
-        return found ? &found->text : nullptr;
+    template <class Text>
+    string const* find(Text const& text) const noexcept {
+        return find(text, text.hash());
     }
 
-    string const* intern(std::wstring_view text) {
-        if (string const* const known = find<asWritten>(text)) return known;
-        std::size_t const hash = hashOf<asWritten>(text);
-        std::unique_ptr<entry> added(new entry{hash, string(text)});
-        std::lock_guard guard(mMutex);
-        slotArray* const slots = roomForOneMore();
-        if (entry const* const known = slots->find<asWritten>(text, hash)) return &known->text;
-        slots->add(added.get());
-        ++mCount;
-        return &added.release()->text;
+    // `units` is what `text` is made of.
+    template <class Text>
+    string const* intern(Text const& text, std::wstring_view units) {
+        std::uint32_t const hash = text.hash();
+        string const* const known = find(text, hash);
+        return known ? known : add(text, hash, string(units));
     }
 
 private:
+    template <class Text>
+    string const* find(Text const& text, std::uint32_t hash) const noexcept {
+        slotArray const* const slots = mSlots.load(std::memory_order_acquire);
+        entry const* const known = slots ? slots->find(text, hash) : nullptr;
+        return known ? &known->text : nullptr;
+    }
+
+    template <class Text>
+    [[gnu::noinline]] string const* add(Text const& text, std::uint32_t hash, string&& units) {
+        std::lock_guard guard(tableMutex());
+        if (string const* const known = find(text, hash)) return known;
+        slotArray* const slots = roomForOneMore();
+        auto const* const added = new (slots->at(mNext)) entry{text.packed(), std::move(units)};
+        slots->add(slotOf(hash, mNext++));
+        return &added->text;
+    }
+
+    // Room for a slot and an entry. Nothing has changed unless both could be had.
     slotArray* roomForOneMore() {
+        if (mNext == std::numeric_limits<std::uint32_t>::max()) throw std::bad_alloc();
         slotArray* const current = mSlots.load(std::memory_order_relaxed);
-        std::size_t const slotCount = current ? current->mask + 1 : 0;
-        if (2 * (mCount + 1) <= slotCount) return current;
-        auto larger = std::make_unique<slotArray>(current ? 2 * slotCount : initialSlots);
-        for (std::size_t at = 0; at < slotCount; ++at) {
-            if (entry const* const kept = current->slots[at].load(std::memory_order_relaxed)) larger->add(kept);
-        }
+        std::unique_ptr<slotArray> larger;
+        if (!current || !current->hasRoomFor(mNext))
+            larger = std::make_unique<slotArray>(current ? 2 * (current->mask + 1) : 2 * blockSize);
+        bool const beginsBlock = !current || mNext % blockSize == 0;
+        entry* const block = beginsBlock ? std::allocator<entry>().allocate(blockSize) : nullptr;
+        if (larger && current) larger->addAllOf(*current);
+        slotArray* const slots = larger ? larger.get() : current;
+        if (block) slots->blockOf(mNext).store(block, std::memory_order_relaxed);
+        if (!larger) return current;
         larger->smaller.reset(current);
         mSlots.store(larger.get(), std::memory_order_release);
         return larger.release();
     }
 
-    static constexpr std::size_t initialSlots = 1024;
-
-    std::mutex mMutex;
-    std::size_t mCount = 0;
+    std::uint32_t mNext = 1;                 // the number of the next entry; 0 is none's
     std::atomic<slotArray*> mSlots{nullptr}; // made by the first text
 };
 
-interningTable& table() {
-    static neverDestroyed<interningTable> theTable;
-    return *theTable;
-}
+// Ready before anything runs and never destroyed: whatever outlives main may still look names up.
+static_assert(std::is_trivially_destructible_v<interningTable>);
+constinit interningTable theTable;
 
 string const& emptyText() noexcept {
     static neverDestroyed<string> empty;
@@ -146,18 +267,19 @@ scString scString::createFrom(wchar_t const* text) {
 }
 
 scString scString::createFrom(std::wstring_view text) {
-    return text.empty() ? scString() : scString(table().intern(text));
+    if (text.empty()) return scString();
+    return scString(withWritten(text, [text](auto const& form) { return theTable.intern(form, text); }));
 }
 
 std::optional<scString> scString::find(std::wstring_view text) noexcept {
     if (text.empty()) return scString();
-    zov::string const* const known = table().find<asWritten>(text);
+    zov::string const* const known = withWritten(text, [](auto const& form) { return theTable.find(form); });
     return known ? std::optional(scString(known)) : std::nullopt;
 }
 
 std::optional<scString> scString::findLowered(std::wstring_view text) noexcept {
     if (text.empty()) return scString();
-    zov::string const* const known = table().find<lowered>(text);
+    zov::string const* const known = withLowered(text, [](auto const& form) { return theTable.find(form); });
     return known ? std::optional(scString(known)) : std::nullopt;
 }
 

@@ -6,7 +6,12 @@
 #include <atomic>
 #include <cstdint>
 
+#include "zovThreads.h"
+
 namespace zov {
+
+// The address tells threads apart; the value is never used.
+ZOV_NEAR_THREAD extern constinit thread_local char threadMark;
 
 class spinLockerRecursive {
 public:
@@ -14,10 +19,26 @@ public:
     spinLockerRecursive(spinLockerRecursive const&) = delete;
     spinLockerRecursive& operator=(spinLockerRecursive const&) = delete;
 
-    void lock() noexcept;
-    void unlock() noexcept;
+    void lock() noexcept {
+        void const* const self = &threadMark;
+        if (mOwner.load(std::memory_order_relaxed) == self) {
+            ++mDepth;
+            return;
+        }
+        void const* nobody = nullptr;
+        if (!mOwner.compare_exchange_strong(nobody, self, std::memory_order_acquire, std::memory_order_relaxed))
+            waitFor(self);
+        mDepth = 1;
+    }
+
+    void unlock() noexcept {
+        if (--mDepth == 0) mOwner.store(nullptr, std::memory_order_release);
+    }
 
 private:
+    // Takes the lock for `self` once nobody has it.
+    void waitFor(void const* self) noexcept;
+
     std::atomic<void const*> mOwner{nullptr}; // an address that only the owning thread has
     std::uint32_t mDepth = 0;                 // touched by the owner alone
 };

@@ -68,12 +68,26 @@ char32_t readUtf8(std::string_view text, std::size_t& at) noexcept {
     return value;
 }
 
+// Makes a text of ASCII its lower case. Answers false for any other, which is then half done. There is no way out of
+// the loop before its end, so that it can take several units at a time.
+bool lowerAscii(std::wstring& text) noexcept {
+    std::uint32_t seen = 0;
+    for (wchar_t& unit : text) {
+        auto const value = static_cast<std::uint32_t>(unit);
+        seen |= value;
+        unit = static_cast<wchar_t>(value - U'A' < 26 ? value + (U'a' - U'A') : value);
+    }
+    return seen < 0x80;
+}
+
 } // namespace
 
 string string::lower() const {
-    string result;
-    result.reserve(size());
-    forEachLowered(*this, [&result](wchar_t unit) { result += unit; });
+    string result(*this);
+    if (!lowerAscii(result)) {
+        auto next = result.begin();
+        forEachLowered(*this, [&next](wchar_t unit) { *next++ = unit; });
+    }
     return result;
 }
 

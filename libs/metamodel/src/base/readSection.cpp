@@ -30,7 +30,8 @@ constinit std::mutex turnMutex; // held by the one writer that turns the phase
 
 constexpr unsigned noStripe = stripeCount;
 
-#if defined(__ELF__)
+// Found without a call where the C library keeps room for such variables of libraries that are loaded at run time.
+#if defined(__GLIBC__)
 [[gnu::tls_model("initial-exec")]]
 #endif
 constinit thread_local unsigned ownStripe = noStripe;
