@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <functional>
 #include <map>
+#include <random>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -269,6 +270,45 @@ TEST(setErase, removesTheEntry) {
     EXPECT_FALSE(set.genericValue(key(L"two")));
     set.setValue(L"two", 22, false);
     EXPECT_EQ(set.size(), 3U);
+}
+
+// behaviour: GS-05, GS-15, GS-16
+TEST(setEntries, areTheExpectedOnesAfterAnyOperations) {
+    std::vector<scString> keys;
+    for (int number = 0; number < 60; ++number)
+        keys.push_back(key(string(L"entry " + std::to_wstring(number)).c_str()));
+    std::mt19937 random(7);
+    genericSet set;
+    std::map<scString, int> expected;
+    for (int step = 0; step < 6000; ++step) {
+        // Between few entries and many.
+        std::size_t const among = step % 2000 < 1000 ? keys.size() : 3;
+        scString const chosen = keys[random() % among];
+        if (random() % 3 != 0) {
+            set.setValue(chosen, step, false);
+            expected[chosen] = step;
+        } else {
+            set.erase(chosen);
+            expected.erase(chosen);
+        }
+        if (step % 100 == 50) {
+            for (scString const each : keys) {
+                if (each == keys[1]) continue;
+                set.erase(each);
+                expected.erase(each);
+            }
+        }
+        genericSet const copy(set);
+        std::map<scString, int> copied;
+        copy.forEach([&](scString const& name,
+                         genericValue const& value) { return copied.emplace(name, *value.valuePtr<int>()).second; },
+                     true);
+        ASSERT_EQ(copied, expected);
+        ASSERT_EQ(set.size(), expected.size());
+        int read = -1;
+        ASSERT_EQ(set.getValue(chosen, read), expected.count(chosen) == 1);
+        ASSERT_EQ(read, expected.count(chosen) == 1 ? expected[chosen] : -1);
+    }
 }
 
 // behaviour: GS-16

@@ -6,6 +6,8 @@
 #include <atomic>
 #include <chrono>
 #include <concepts>
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <new>
 #include <string>
@@ -728,6 +730,89 @@ TEST(valueOfAFunction, isCalledAsItWasGiven) {
     ASSERT_TRUE(value.getValue(equal));
     EXPECT_TRUE(equal(genericValue(42), genericValue(L"42")));
     EXPECT_FALSE(equal(genericValue(42), genericValue(43)));
+}
+
+// behaviour: GV-03, GV-04
+TEST(heldStorage, isAlignedForTheType) {
+    struct alignas(64) wide {
+        int number = 5;
+    };
+    genericValue const value{wide{}};
+    genericValue const copy(value);
+    for (genericValue const* each : {&value, &copy}) {
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(each->valuePtr<wide>()) % alignof(wide), 0U);
+        EXPECT_EQ(each->valuePtr<wide>()->number, 5);
+    }
+    genericValue const longNumber(2.5L);
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(longNumber.valuePtr<long double>()) % alignof(long double), 0U);
+    EXPECT_EQ(*longNumber.valuePtr<long double>(), 2.5L);
+}
+
+// Allocates for itself.
+struct ofItsOwnStorage {
+    static void* operator new(std::size_t size) {
+        ++alive;
+        return ::operator new(size);
+    }
+    static void operator delete(void* storage) {
+        --alive;
+        ::operator delete(storage);
+    }
+    static inline int alive = 0;
+};
+
+// behaviour: GV-04
+TEST(heldStorage, isTheTypesOwnIfItHasSome) {
+    {
+        genericValue const value{ofItsOwnStorage{}};
+        genericValue const copy(value);
+        EXPECT_EQ(ofItsOwnStorage::alive, 2);
+    }
+    EXPECT_EQ(ofItsOwnStorage::alive, 0);
+}
+
+// behaviour: GV-04
+TEST(heldStorage, isIndependentForManyCopies) {
+    genericValue const source(7);
+    std::vector<genericValue> copies;
+    for (int number = 0; number < 1000; ++number) {
+        copies.push_back(source);
+        *copies.back().valuePtr<int>() = number;
+    }
+    for (int number = 0; number < 1000; ++number)
+        ASSERT_EQ(*copies[static_cast<std::size_t>(number)].valuePtr<int>(), number);
+    EXPECT_EQ(*source.valuePtr<int>(), 7);
+}
+
+// behaviour: GV-17, GV-18
+TEST(holderOfAHostsOwn, isReadAsAHolderOfItsType) {
+    class special : public genericValue::valueholder<int> {
+    public:
+        special() : valueholder(42) {}
+        holderbase* clone() const override { return new special; }
+        // Too large for what holders usually take.
+        char more[100] = {};
+    };
+    genericValue value(new special);
+    genericValue const copy(value);
+    int read = 0;
+    EXPECT_TRUE(copy.getValue(read));
+    EXPECT_EQ(read, 42);
+    ASSERT_NE(value.valuePtr<int>(), nullptr);
+    EXPECT_EQ(*value.valuePtr<int>(), 42);
+    EXPECT_EQ(value.valuePtr<long>(), nullptr);
+}
+
+// behaviour: GV-07
+TEST(valueOnTheHeap, isMadeAndEndedInEveryForm) {
+    std::unique_ptr<genericValue> const one(new genericValue(1));
+    std::unique_ptr<genericValue> const other(new (std::nothrow) genericValue(2));
+    std::unique_ptr<genericValue[]> const several(new genericValue[3]);
+    alignas(genericValue) std::byte place[sizeof(genericValue)];
+    auto* const placed = new (place) genericValue(3);
+    EXPECT_EQ(*one->valuePtr<int>() + *other->valuePtr<int>() + *placed->valuePtr<int>(), 6);
+    EXPECT_TRUE(several[2].isEmpty());
+    placed->~genericValue();
 }
 
 } // namespace

@@ -99,7 +99,7 @@ template <class T>
 bool genericSet::getValuePtr(scString const& key, T*& out) const {
     sharedPtr<zov::genericValue> const stored = entry(key);
     if (!stored) return false;
-    auto* const held = dynamic_cast<zov::genericValue::holder<T> const*>(stored->heldBy());
+    auto* const held = detail::asHolderOf<T>(stored->heldBy());
     if (!held) return false;
     auto* const writable = const_cast<zov::genericValue::holder<T>*>(held);
     if (!std::is_const_v<T> && !writable->valuePointer()) return false;

@@ -14,13 +14,14 @@
 // Threads: each held value has a lock of its own. Copying a value, getValue, assignText and setValue take it, so
 // one value may be read and written from several threads; pointers and references into it (valuePtr, value()) do
 // not. Assigning to one genericValue object from several threads exchanges under a sharedPtrLocker; copying
-// *from* an object that another thread assigns to is safe too.
+// *from*, and reading, an object that another thread assigns to is safe too. Reading takes no lock that all share.
 //
 // Fails: std::bad_alloc, with both sides as before; and with what copying a T throws.
 #pragma once
 
 #include <cstddef>
 #include <functional>
+#include <new>
 #include <type_traits>
 #include <typeinfo>
 #include <vector>
@@ -58,6 +59,55 @@ private:
     spinLockerRecursive* mSecond = nullptr;
 };
 
+namespace detail {
+
+// Where small objects lie: in cells that the library keeps for them, so that values, which come and go in numbers,
+// spare the allocator. What does not fit goes to the allocator. Storage is given back with the size it was asked for.
+struct ZOV_UTILS_API smallStorage {
+    // Aligned for anything of that size that needs no more than the allocator gives. Throws std::bad_alloc.
+    static void* allocate(std::size_t size);
+
+    // Null is allowed.
+    static void deallocate(void* storage, std::size_t size) noexcept;
+};
+
+// Types that allocate for themselves, or want more alignment than the allocator gives, are left to their own.
+template <class T>
+inline constexpr bool liesInSmallStorage = alignof(T) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__ && !requires {
+    T::operator new(sizeof(T));
+};
+
+// The policy by which a held copy ends.
+template <class T>
+struct ZOV_UTILS_TYPE deleteHeld {
+    void operator()(T* object) const noexcept {
+        if constexpr (liesInSmallStorage<T>) {
+            object->~T();
+            smallStorage::deallocate(const_cast<std::remove_const_t<T>*>(object), sizeof(T));
+        } else {
+            delete object;
+        }
+    }
+};
+
+// A copy for a holder to own. Throws std::bad_alloc, and what copying throws.
+template <class T>
+T* copyToHold(T const& value) {
+    if constexpr (liesInSmallStorage<T>) {
+        void* const storage = smallStorage::allocate(sizeof(T));
+        try {
+            return ::new (storage) T(value);
+        } catch (...) {
+            smallStorage::deallocate(storage, sizeof(T));
+            throw;
+        }
+    } else {
+        return new T(value);
+    }
+}
+
+} // namespace detail
+
 class ZOV_UTILS_API genericValue {
 public:
     class holderbase;
@@ -85,8 +135,27 @@ public:
     genericValue(genericValue const& other);
     genericValue(genericValue&& other) noexcept = default;
     genericValue& operator=(genericValue const& other);
-    genericValue& operator=(genericValue&& other) noexcept = default;
+    genericValue& operator=(genericValue&& other) noexcept;
     ~genericValue() = default;
+
+    // Values on the heap lie in small storage, however they are made there. The size tells a derived class's apart.
+    // NOLINTNEXTLINE(misc-new-delete-overloads): the sized form is the matching one
+    static void* operator new(std::size_t size) { return detail::smallStorage::allocate(size); }
+    static void* operator new(std::size_t size, std::nothrow_t const&) noexcept {
+        try {
+            return detail::smallStorage::allocate(size);
+        } catch (std::bad_alloc const&) {
+            return nullptr;
+        }
+    }
+    static void* operator new(std::size_t, void* place) noexcept { return place; }
+    static void operator delete(void* storage, std::size_t size) noexcept {
+        detail::smallStorage::deallocate(storage, size);
+    }
+    static void operator delete(void* storage, std::nothrow_t const&) noexcept {
+        detail::smallStorage::deallocate(storage, sizeof(genericValue));
+    }
+    static void operator delete(void*, void*) noexcept {}
 
     // Refers to the caller's object, which must outlive the value and every copy of it. Writing to a const
     // object is refused.
@@ -121,8 +190,15 @@ public:
     holderbase const* heldBy() const noexcept { return mHolder.get(); }
 
 private:
-    // A counted pointer to the holder at this moment, safe against a concurrent assignment.
+    // A counted pointer to the holder at this moment, safe against a concurrent assignment; takes no lock that all
+    // values share.
     sharedPtr<holderbase> heldNow() const noexcept;
+
+    // A holder of its own for a copy of `other`; empty when that is empty.
+    static sharedPtr<holderbase> clonedFrom(genericValue const& other);
+
+    // Swaps with `other`, which belongs to the caller alone.
+    void exchange(sharedPtr<holderbase>& other) noexcept;
 
     sharedPtr<holderbase> mHolder;
 };
@@ -225,7 +301,7 @@ private:
 template <class T>
 class ZOV_UTILS_TYPE genericValue::valueholder : public genericValue::holder<T> {
 public:
-    explicit valueholder(T const& value) : mValue(new T(value)) {}
+    explicit valueholder(T const& value) : mValue(detail::copyToHold<T>(value)) {}
 
     holderbase* clone() const override {
         genericValueHolderLocker guard(this->locker());
@@ -245,7 +321,7 @@ public:
     void setValue(T const& next) override { this->assign(&*mValue, next); }
 
 private:
-    sharedPtr<T> mValue;
+    sharedPtr<T, detail::deleteHeld<T>> mValue;
 };
 
 // Refers to an object of the caller's.
@@ -304,6 +380,16 @@ using heldAs =
     std::conditional_t<std::is_same_v<std::decay_t<T>, wchar_t const*> || std::is_same_v<std::decay_t<T>, wchar_t*>,
                        zov::string, T>;
 
+// The holder as a holder of T, null when it is another one. Most holders are of exactly the class that owns its value,
+// which is told by one comparison.
+template <class T>
+genericValue::holder<T> const* asHolderOf(genericValue::holderbase const* held) {
+    if (!held) return nullptr;
+    if (&typeid(*held) == &typeid(genericValue::valueholder<T>))
+        return static_cast<genericValue::holder<T> const*>(held);
+    return dynamic_cast<genericValue::holder<T> const*>(held);
+}
+
 // Converts the value of `source` into `out`, under its lock; false, with `out` as it was, when that cannot be done.
 ZOV_UTILS_API bool convertValue(std::type_info const& outType, void* out, genericValue::holderbase const& source);
 
@@ -325,13 +411,13 @@ genericValue genericValue::byReference(T const& object) {
 
 template <class T>
 T* genericValue::valuePtr() {
-    auto* const held = dynamic_cast<holder<T>*>(mHolder.get());
+    auto* const held = const_cast<holder<T>*>(detail::asHolderOf<T>(mHolder.get()));
     return held && held->valuePointer() ? &held->value() : nullptr;
 }
 
 template <class T>
 T const* genericValue::valuePtr() const {
-    auto const* const held = dynamic_cast<holder<T> const*>(mHolder.get());
+    auto const* const held = detail::asHolderOf<T>(mHolder.get());
     return held ? &held->value() : nullptr;
 }
 
@@ -339,7 +425,7 @@ template <class T>
 bool genericValue::getValue(T& out) const {
     sharedPtr<holderbase> const source = heldNow();
     if (!source) return false;
-    auto const* const held = dynamic_cast<holder<T> const*>(source.get());
+    auto const* const held = detail::asHolderOf<T>(source.get());
     if (!held) return detail::convertValue(typeid(T), &out, *source);
     genericValueHolderLocker guard(held->locker());
     out = held->value();

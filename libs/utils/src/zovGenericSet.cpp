@@ -1,75 +1,231 @@
 #include "zovGenericSet.h"
 
-#include <map>
+#include <algorithm>
+#include <cstdint>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <utility>
-#include <vector>
 
-#include "zovSpinLock.h"
+#include "zovGuardedSwap.h"
+#include "zovLeafLock.h"
 
 namespace zov {
 
 namespace {
 
 using valuePtr = sharedPtr<genericValue>;
-using valueMap = std::map<scString, valuePtr>;
+
+struct entryOfSet {
+    scString key;
+    valuePtr value;
+};
+
+// Moves the entry to where none is.
+void relocate(entryOfSet* from, entryOfSet* to) noexcept {
+    std::construct_at(to, std::move(*from));
+    std::destroy_at(from);
+}
+
+// Room for entries.
+struct block {
+    entryOfSet* first = nullptr;
+    std::uint32_t capacity = 0;
+};
+
+// Room that nobody uses yet, or any more.
+struct spareBlock : block {
+    spareBlock() noexcept = default;
+    spareBlock(spareBlock const&) = delete;
+    spareBlock& operator=(spareBlock const&) = delete;
+    ~spareBlock() { ::operator delete(first); }
+
+    void makeFor(std::uint32_t wanted) {
+        auto* const made = static_cast<entryOfSet*>(::operator new(wanted * sizeof(entryOfSet)));
+        ::operator delete(first);
+        first = made;
+        capacity = wanted;
+    }
+};
 
 } // namespace
 
-// The entries with their guard. Under the guard pointers are copied and exchanged; no value is copied, called or
-// destroyed.
+// The entries in the order of their keys, with their guard: one entry in the record itself, more in a block. The
+// record never moves. Under the guard pointers are copied and moved; no value is copied, called or destroyed, and no
+// storage made or given back: replaced values and blocks end with what is the caller's own, and whose guard nobody
+// needs.
 struct genericSet::record {
-    mutable spinLockerRecursive guard;
-    valueMap values;
-
-    valueMap snapshot() const {
-        std::lock_guard held(guard);
-        return values;
+    record() noexcept {}
+    record(record const&) = delete;
+    record& operator=(record const&) = delete;
+    ~record() {
+        std::destroy_n(entries(), mSize);
+        if (mInBlock) ::operator delete(mBlock.first);
     }
 
-    void exchange(valueMap& other) noexcept {
-        std::lock_guard held(guard);
-        values.swap(other);
+    static void* operator new(std::size_t size) { return detail::smallStorage::allocate(size); }
+    static void operator delete(void* storage) noexcept { detail::smallStorage::deallocate(storage, sizeof(record)); }
+
+    std::size_t size() const noexcept {
+        std::lock_guard const held(mGuard);
+        return mSize;
+    }
+
+    valuePtr find(scString key) const noexcept {
+        std::lock_guard const held(mGuard);
+        entryOfSet const* const at = place(key);
+        return holds(at, key) ? at->value : nullptr;
+    }
+
+    // Swaps all entries with those of the caller's own.
+    void exchange(record& own) noexcept {
+        record former;
+        std::lock_guard const held(mGuard);
+        former.takeOver(*this);
+        takeOver(own);
+        own.takeOver(former);
     }
 
     // Leaves the entry's former value in `value`.
     void store(scString key, valuePtr& value) {
-        std::lock_guard held(guard);
-        values[key].exchange(value);
+        spareBlock spare;
+        for (std::uint32_t wanted = 0;; spare.makeFor(wanted)) {
+            std::lock_guard const held(mGuard);
+            entryOfSet* const at = place(key);
+            if (holds(at, key)) {
+                swapGuarded(at->value, value);
+                return;
+            }
+            if (mSize < capacity() || moveTo(spare, mSize + 1)) {
+                insert(key, value);
+                return;
+            }
+            wanted = 2 * mSize;
+        }
     }
 
-    static valueMap independentCopy(genericSet const& source) {
-        record const* const from = source.mRecord.load(std::memory_order_acquire);
-        valueMap copy = from ? from->snapshot() : valueMap();
-        for (auto& [key, value] : copy)
-            value.reset(new zov::genericValue(std::as_const(*value)));
-        return copy;
+    void erase(scString key) noexcept {
+        record former;
+        record emptied;
+        std::lock_guard const held(mGuard);
+        entryOfSet* at = place(key);
+        if (!holds(at, key)) return;
+        relocate(at, &former.mOwn);
+        former.mSize = 1;
+        --mSize;
+        for (entryOfSet* const end = entries() + mSize; at != end; ++at)
+            relocate(at + 1, at);
+        if (mSize == 0) emptied.takeOver(*this);
     }
+
+    // Copies the entries, their values shared, to an empty record of the caller's own.
+    void copyTo(record& own) const {
+        spareBlock spare;
+        for (std::uint32_t wanted = 0;; spare.makeFor(wanted)) {
+            std::lock_guard const held(mGuard);
+            wanted = mSize;
+            if (wanted > own.capacity() && !own.moveTo(spare, wanted)) continue;
+            std::uninitialized_copy_n(entries(), mSize, own.entries());
+            own.mSize = mSize;
+            return;
+        }
+    }
+
+    // What follows is for records of the caller's own.
+    entryOfSet* begin() noexcept { return entries(); }
+    entryOfSet* end() noexcept { return entries() + mSize; }
+
+    void makeIndependent() {
+        for (auto& [key, value] : *this) {
+            valuePtr copy(new zov::genericValue(std::as_const(*value)));
+            swapGuarded(value, copy);
+        }
+    }
+
+private:
+    entryOfSet* entries() noexcept { return mInBlock ? mBlock.first : &mOwn; }
+    entryOfSet const* entries() const noexcept { return mInBlock ? mBlock.first : &mOwn; }
+    std::uint32_t capacity() const noexcept { return mInBlock ? mBlock.capacity : 1; }
+
+    // Where the key is or would be.
+    entryOfSet const* place(scString key) const noexcept {
+        return std::lower_bound(entries(), entries() + mSize, key,
+                                [](entryOfSet const& each, scString wanted) { return each.key < wanted; });
+    }
+    entryOfSet* place(scString key) noexcept { return const_cast<entryOfSet*>(std::as_const(*this).place(key)); }
+    bool holds(entryOfSet const* at, scString key) const noexcept { return at != entries() + mSize && at->key == key; }
+
+    void insert(scString key, valuePtr& value) noexcept {
+        entryOfSet* const at = place(key);
+        for (entryOfSet* from = entries() + mSize; from != at; --from)
+            relocate(from - 1, from);
+        std::construct_at(at, entryOfSet{key, std::move(value)});
+        ++mSize;
+    }
+
+    // Moves the entries to the spare block if that has room for that many, and leaves the former one in its place.
+    bool moveTo(spareBlock& spare, std::uint32_t wanted) noexcept {
+        if (spare.capacity < wanted) return false;
+        for (std::uint32_t at = 0; at < mSize; ++at)
+            relocate(entries() + at, spare.first + at);
+        block const former = mInBlock ? mBlock : block{};
+        mBlock = spare;
+        mInBlock = true;
+        static_cast<block&>(spare) = former;
+        return true;
+    }
+
+    // From another record to this one, which has neither entries nor a block.
+    void takeOver(record& other) noexcept {
+        mSize = std::exchange(other.mSize, 0);
+        mInBlock = std::exchange(other.mInBlock, false);
+        if (mInBlock) {
+            mBlock = other.mBlock;
+        } else if (mSize != 0) {
+            relocate(&other.mOwn, &mOwn);
+        }
+    }
+
+    mutable leafLock mGuard;
+    bool mInBlock = false;
+    std::uint32_t mSize = 0;
+    union {
+        block mBlock = {};
+        entryOfSet mOwn; // there when mSize is 1 and there is no block
+    };
 };
 
 genericSet::genericSet(genericSet const& other) {
-    auto values = record::independentCopy(other);
-    if (!values.empty()) ownRecord().exchange(values);
+    record const* const from = other.mRecord.load(std::memory_order_acquire);
+    if (!from) return;
+    auto copy = std::make_unique<record>();
+    from->copyTo(*copy);
+    copy->makeIndependent();
+    if (copy->begin() != copy->end()) mRecord.store(copy.release(), std::memory_order_release);
 }
 
 genericSet::genericSet(genericSet&& other) noexcept : mRecord(other.mRecord.exchange(nullptr)) {}
 
 genericSet& genericSet::operator=(genericSet const& other) {
-    auto values = record::independentCopy(other);
-    if (!values.empty() || size() != 0) ownRecord().exchange(values);
+    genericSet copy(other);
+    if (record* const taken = copy.mRecord.load(std::memory_order_acquire)) {
+        ownRecord().exchange(*taken);
+    } else if (record* const held = mRecord.load(std::memory_order_acquire)) {
+        record nothing;
+        held->exchange(nothing);
+    }
     return *this;
 }
 
 genericSet& genericSet::operator=(genericSet&& other) noexcept {
     std::unique_ptr<record> taken(other.mRecord.exchange(nullptr));
-    record* none = nullptr;
-    if (mRecord.compare_exchange_strong(none, taken.get(), std::memory_order_acq_rel)) {
+    record* held = nullptr;
+    if (mRecord.compare_exchange_strong(held, taken.get(), std::memory_order_acq_rel)) {
         static_cast<void>(taken.release()); // it is the set's own now
         return *this;
     }
-    valueMap nothing;
-    none->exchange(taken ? taken->values : nothing);
+    record nothing;
+    held->exchange(taken ? *taken : nothing);
     return *this;
 }
 
@@ -97,18 +253,16 @@ bool genericSet::_setGenericValue(scString const& key, zov::genericValue& value,
 }
 
 void genericSet::erase(scString const& key) {
-    record* const held = mRecord.load(std::memory_order_acquire);
-    if (!held) return;
-    valueMap::node_type former;
-    std::lock_guard guard(held->guard);
-    former = held->values.extract(key);
+    if (record* const held = mRecord.load(std::memory_order_acquire)) held->erase(key);
 }
 
 bool genericSet::forEach(std::function<bool(scString const&, zov::genericValue const&)> const& visit,
                          bool stopOnFalse) const {
     record const* const held = mRecord.load(std::memory_order_acquire);
     if (!held) return true;
-    for (auto const& [key, value] : held->snapshot()) {
+    record walked;
+    held->copyTo(walked);
+    for (auto const& [key, value] : walked) {
         if (!visit(key, *value) && stopOnFalse) return false;
     }
     return true;
@@ -116,17 +270,12 @@ bool genericSet::forEach(std::function<bool(scString const&, zov::genericValue c
 
 std::size_t genericSet::size() const noexcept {
     record const* const held = mRecord.load(std::memory_order_acquire);
-    if (!held) return 0;
-    std::lock_guard guard(held->guard);
-    return held->values.size();
+    return held ? held->size() : 0;
 }
 
 sharedPtr<genericValue> genericSet::entry(scString key) const noexcept {
     record const* const held = mRecord.load(std::memory_order_acquire);
-    if (!held) return nullptr;
-    std::lock_guard guard(held->guard);
-    auto const found = held->values.find(key);
-    return found == held->values.end() ? nullptr : found->second;
+    return held ? held->find(key) : nullptr;
 }
 
 genericSet::record& genericSet::ownRecord() {

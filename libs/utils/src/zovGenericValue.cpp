@@ -1,9 +1,16 @@
 #include "zovGenericValue.h"
 
+#include <array>
+#include <cstdint>
 #include <functional>
+#include <memory>
+#include <mutex>
 #include <new>
 #include <utility>
 
+#include "zovCellPool.h"
+#include "zovGuardedSwap.h"
+#include "zovLeafLock.h"
 #include "zovSpinLock.h"
 #include "zovTypeConvert.h"
 
@@ -26,19 +33,62 @@ genericValueHolderLocker::~genericValueHolderLocker() {
 }
 
 spinLockerRecursive* genericValueHolderLocker::createLocker() {
-    return new spinLockerRecursive;
+    return ::new (detail::smallStorage::allocate(sizeof(spinLockerRecursive))) spinLockerRecursive;
 }
 void genericValueHolderLocker::destroyLocker(spinLockerRecursive* lock) noexcept {
-    delete lock;
+    if (!lock) return;
+    std::destroy_at(lock);
+    detail::smallStorage::deallocate(lock, sizeof(spinLockerRecursive));
+}
+
+void* detail::smallStorage::allocate(std::size_t size) {
+    if (size <= 8) return cellsOf8.take();
+    if (size <= 16) return cellsOf16.take();
+    if (size <= 32) return cellsOf32.take();
+    return ::operator new(size);
+}
+
+void detail::smallStorage::deallocate(void* storage, std::size_t size) noexcept {
+    if (!storage) return;
+    if (size <= 8) {
+        cellsOf8.give(storage);
+    } else if (size <= 16) {
+        cellsOf16.give(storage);
+    } else if (size <= 32) {
+        cellsOf32.give(storage);
+    } else {
+        ::operator delete(storage);
+    }
 }
 
 genericValue::holderbase::~holderbase() = default;
 
+namespace {
+
+// Holders are given back without their size, so it is told in front of them whether they lie in a cell. As long as
+// the strictest alignment, so that the holder keeps it.
+struct alignas(__STDCPP_DEFAULT_NEW_ALIGNMENT__) holderFront {
+    bool inCell;
+};
+
+constexpr std::size_t holderCell = 48;
+
+} // namespace
+
 void* genericValue::holderbase::allocate(std::size_t size) {
-    return ::operator new(size);
+    std::size_t const whole = sizeof(holderFront) + size;
+    bool const inCell = whole <= holderCell;
+    auto* const front = ::new (inCell ? cellsOf48.take() : ::operator new(whole)) holderFront{inCell};
+    return front + 1;
 }
 void genericValue::holderbase::deallocate(void* storage) noexcept {
-    ::operator delete(storage);
+    if (!storage) return;
+    auto* const front = static_cast<holderFront*>(storage) - 1;
+    if (front->inCell) {
+        cellsOf48.give(front);
+    } else {
+        ::operator delete(front);
+    }
 }
 
 void genericValue::holderbase::refuseWriting() {
@@ -75,23 +125,56 @@ bool detail::convertValue(std::type_info const& outType, void* out, genericValue
                                                                   nullptr);
 }
 
-genericValue::genericValue(holderbase* newHolder) {
-    if (newHolder) mHolder.reset(newHolder);
+namespace {
+
+// The locks under which a value's pointer to its holder is exchanged and counted, shared by the values' addresses.
+// Taken under the sharedPtrLocker or alone; the pair of pointers is read and swapped under it, no more.
+struct alignas(64) slotLock : leafLock {};
+constexpr std::size_t slotLockCount = 64;
+constinit std::array<slotLock, slotLockCount> slotLocks;
+
+slotLock& slotLockOf(genericValue const* value) noexcept {
+    auto const address = reinterpret_cast<std::uintptr_t>(value);
+    return slotLocks[(address / sizeof(genericValue) ^ address / 4096) % slotLockCount];
 }
 
-genericValue::genericValue(genericValue const& other) {
-    if (sharedPtr<holderbase> const source = other.heldNow()) mHolder.reset(source->clone());
-}
+} // namespace
+
+genericValue::genericValue(holderbase* newHolder)
+    : mHolder(newHolder ? sharedPtr<holderbase>(newHolder) : sharedPtr<holderbase>()) {}
+
+genericValue::genericValue(genericValue const& other) : mHolder(clonedFrom(other)) {}
 
 genericValue& genericValue::operator=(genericValue const& other) {
     if (this == &other) return *this;
-    genericValue copy(other);
-    mHolder.exchange(copy.mHolder);
+    sharedPtr<holderbase> next = clonedFrom(other);
+    exchange(next);
     return *this;
 }
 
+genericValue& genericValue::operator=(genericValue&& other) noexcept {
+    sharedPtr<holderbase> next(std::move(other.mHolder));
+    exchange(next);
+    return *this;
+}
+
+sharedPtr<genericValue::holderbase> genericValue::clonedFrom(genericValue const& other) {
+    sharedPtr<holderbase> const source = [&other] {
+        sharedPtrLocker const guard;
+        return other.mHolder;
+    }();
+    return source ? sharedPtr<holderbase>(source->clone()) : sharedPtr<holderbase>();
+}
+
+// Under both locks: who copies takes the first, who reads the second.
+void genericValue::exchange(sharedPtr<holderbase>& other) noexcept {
+    sharedPtrLocker const guard;
+    std::lock_guard const held(slotLockOf(this));
+    swapGuarded(mHolder, other);
+}
+
 sharedPtr<genericValue::holderbase> genericValue::heldNow() const noexcept {
-    sharedPtrLocker guard;
+    std::lock_guard const held(slotLockOf(this));
     return mHolder;
 }
 

@@ -1,6 +1,7 @@
 #include "zovSharedPtr.h"
 
 #include "zovAssert.h"
+#include "zovCellPool.h"
 #include "zovSpinLock.h"
 
 namespace zov {
@@ -12,11 +13,11 @@ constinit spinLockerRecursive sharedLock;
 } // namespace
 
 std::uint32_t volatile* shptr::allocCounter() {
-    return new std::uint32_t;
+    return static_cast<std::uint32_t*>(cellsOf8.take());
 }
 
 void shptr::releaseCounter(std::uint32_t volatile* counter) noexcept {
-    delete counter;
+    if (counter) cellsOf8.give(const_cast<std::uint32_t*>(counter));
 }
 
 sharedPtrLocker::sharedPtrLocker() noexcept {
