@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "failingAllocations.h"
+#include "keptCells.h"
 #include "testAccess.h"
 #include "zovAssert.h"
 
@@ -106,6 +107,8 @@ enum outcome { ePassed, eBadAlloc, eOther };
 
 // Runs the action with the allocation after `passing` ones failing; tells whether one failed.
 outcome attempted(long passing, failureKind kind, std::function<void()> const& action, bool& allocationFailed) {
+    zov::tests::keptCells kept;
+    kept.useUp();
     auto const before = zov::tests::allocationsMade;
     outcome ended = eOther;
     {

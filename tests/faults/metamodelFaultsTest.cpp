@@ -14,6 +14,7 @@
 #include <unistd.h>
 
 #include "failingAllocations.h"
+#include "keptCells.h"
 #include "zovMetamodel.h"
 
 #include "zovAssert.h"
@@ -131,6 +132,8 @@ struct variant {
 
 // Runs the action with the allocation after `passing` ones failing. The action answers whether it yielded a result.
 attempt attempted(long passing, failureKind kind, std::function<bool()> const& action) {
+    zov::tests::keptCells kept;
+    kept.useUp();
     auto const before = zov::tests::allocationsMade;
     outcome ended = eThrewOther;
     {

@@ -26,10 +26,11 @@ bool readCaseRule(string const& text) {
 // The first class in the order of the walk that has the alias.
 refPtr<classInfo> findByAlias(classMap const& classes, scString alias) {
     if (!wasEverAlias(alias)) return nullptr;
-    refPtr<classInfo> found;
-    classes.snapshot().any([&](classEntry const& entry) {
+    auto const now = classes.snapshot();
+    classInfo* found = nullptr;
+    now.any([&](classEntry const& entry) {
         if (entry.object->hasAliasname(alias)) found = entry.object;
-        return bool(found);
+        return found != nullptr;
     });
     return found;
 }

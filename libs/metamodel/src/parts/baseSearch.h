@@ -3,8 +3,8 @@
 
 #include <algorithm>
 #include <array>
-#include <span>
 #include <cstddef>
+#include <span>
 #include <vector>
 
 #include "data/classData.h"
@@ -35,20 +35,24 @@ private:
     }
 
     void grow() {
-        if (mSlots.empty()) {
-            mInline.fill(nullptr);
-            mSlots = mInline;
-            return;
-        }
-        std::vector<classData const*> larger(mSlots.size() * 2);
-        for (auto const* met : mSlots) {
-            if (met) *place(larger, met) = met;
-        }
-        mHeap.swap(larger);
-        mSlots = mHeap;
+        if (mSlots.empty()) return moveTo(mFew);
+        if (mSlots.size() == mFew.size()) return moveTo(mMany);
+        std::vector<classData const*> more(mSlots.size() * 2);
+        moveTo(more);
+        mHeap.swap(more);
     }
 
-    std::array<classData const*, 512> mInline; // filled when it is first needed
+    void moveTo(slots next) noexcept {
+        std::fill(next.begin(), next.end(), nullptr);
+        for (auto const* met : mSlots) {
+            if (met) *place(next, met) = met;
+        }
+        mSlots = next;
+    }
+
+    // Filled when they are first needed.
+    std::array<classData const*, 64> mFew;
+    std::array<classData const*, 1024> mMany;
     std::vector<classData const*> mHeap;
     slots mSlots;
     std::size_t mCount = 0;
