@@ -6,7 +6,7 @@
 #include "base/allocation.h"
 #include "base/flags.h"
 #include "base/lifeLine.h"
-#include "base/nameKey.h"
+#include "base/names.h"
 #include "base/scopeExit.h"
 #include "base/sources.h"
 #include "base/walk.h"
@@ -226,9 +226,8 @@ const_refPtr<fieldInfo> classInfo::fieldInfo(string const& name, bool searchBase
 
 // KEEP CF-06: searchAliases finds no field by an alias, since fields answer that they have none.
 refPtr<fieldInfo> classInfo::findField(std::wstring_view name, bool searchBaseClasses, bool searchAliases) const {
-    lookedUpName asked(name);
     readSection const reading;
-    return metamodel::findField(reading, *mData, asked, searchBaseClasses, searchAliases);
+    return metamodel::findField(reading, *mData, name, searchBaseClasses, searchAliases);
 }
 
 bool classInfo::forEachFieldInfo(std::function<bool(refPtr<metamodel::fieldInfo>)> const& visit,
@@ -447,7 +446,7 @@ bool classInfo::forEachFromRelation(std::function<bool(refPtr<relationInfo>)> co
 }
 
 const_refPtr<relationInfo> classInfo::toRelation(string const& name, bool searchBaseClasses) const {
-    auto const key = lookupKey(name, true);
+    auto const key = knownName(name, true);
     if (!key) return nullptr;
     readSection const reading;
     relationInfo const* found = nullptr;

@@ -2,7 +2,7 @@
 
 #include "base/allocation.h"
 #include "base/lifeLine.h"
-#include "base/nameKey.h"
+#include "base/names.h"
 #include "base/scopeExit.h"
 #include "base/sources.h"
 #include "data/modelRegistry.h"
@@ -24,12 +24,13 @@ bool readCaseRule(string const& text) {
 }
 
 // The first class in the order of the walk that has the alias.
-refPtr<classInfo> findByAlias(classMap const& classes, scString alias) {
-    if (!wasEverAlias(alias)) return nullptr;
+refPtr<classInfo> findByAlias(classMap const& classes, std::wstring_view name, bool caseSensitive) {
+    if (!wasEverAlias(nameKey(name, caseSensitive))) return nullptr;
+    auto const alias = knownName(name, caseSensitive);
     auto const now = classes.snapshot();
     classInfo* found = nullptr;
     now.any([&](classEntry const& entry) {
-        if (entry.object->hasAliasname(alias)) found = entry.object;
+        if (entry.object->hasAliasname(*alias)) found = entry.object;
         return found != nullptr;
     });
     return found;
@@ -90,13 +91,13 @@ const_refPtr<classInfo> modelInfo::classInfo(string const& name, bool searchAlia
 refPtr<classInfo> modelInfo::findClass(std::wstring_view name, bool searchAliases) const {
     // KEEP MR-07: classes are filed under lower-case names always, so that with case-sensitive names a class with
     // capitals is not found by its own spelling.
-    auto const key = lookupKey(name, mRegistry->mCaseSensitiveNames);
-    if (!key) return nullptr;
+    bool const caseSensitive = mRegistry->mCaseSensitiveNames;
     {
         readSection const reading;
-        if (classEntry const* const found = mRegistry->mClasses.find(reading, *key)) return found->object;
+        classEntry const* const found = mRegistry->mClasses.find(reading, nameKey(name, caseSensitive));
+        if (found) return found->object;
     }
-    return searchAliases ? findByAlias(mRegistry->mClasses, *key) : nullptr;
+    return searchAliases ? findByAlias(mRegistry->mClasses, name, caseSensitive) : nullptr;
 }
 
 refPtr<classInfo> modelInfo::createClassInfo(string const& name, acceptFunction const& accept) {
@@ -157,16 +158,13 @@ refPtr<fieldInfo> modelInfo::findField(std::wstring_view className, std::wstring
                                        bool searchAliases) const {
     // KEEP MF-03: the flag becomes the class's searchBaseClasses, and aliases of fields are not searched.
     bool const searchBaseClasses = searchAliases;
-    auto const key = lookupKey(className, mRegistry->mCaseSensitiveNames);
-    if (!key) return nullptr;
+    bool const caseSensitive = mRegistry->mCaseSensitiveNames;
     {
         readSection const reading;
-        if (classEntry const* const owner = mRegistry->mClasses.find(reading, *key)) {
-            lookedUpName name(fieldName);
-            return metamodel::findField(reading, *owner->data, name, searchBaseClasses, false);
-        }
+        auto const* const owner = mRegistry->mClasses.find(reading, nameKey(className, caseSensitive));
+        if (owner) return metamodel::findField(reading, *owner->data, fieldName, searchBaseClasses, false);
     }
-    auto const owner = searchAliases ? findByAlias(mRegistry->mClasses, *key) : nullptr;
+    auto const owner = searchAliases ? findByAlias(mRegistry->mClasses, className, caseSensitive) : nullptr;
     return owner ? owner->findField(fieldName, searchBaseClasses, false) : nullptr;
 }
 

@@ -23,6 +23,10 @@
 
 namespace zov {
 
+namespace detail {
+struct internedText;
+}
+
 class ZOV_UTILS_API scString {
 public:
     // The handle of the empty text; cannot fail.
@@ -52,10 +56,11 @@ public:
 
 private:
     friend struct std::hash<scString>;
+    friend class nameKey;
 
-    explicit constexpr scString(zov::string const* text) noexcept : mText(text) {}
+    explicit constexpr scString(detail::internedText const* text) noexcept : mText(text) {}
 
-    zov::string const* mText = nullptr; // null is the empty text
+    detail::internedText const* mText = nullptr; // null is the empty text
 };
 
 } // namespace zov

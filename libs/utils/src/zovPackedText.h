@@ -1,10 +1,10 @@
 // Short texts of small units, packed into 32 bytes: what names are hashed and compared by.
 //
-// A text is narrow when it has at most 32 units, all of them below 256; nearly every name is. Packing reads whole
+// A text is narrow when it has at most 31 units, all of them below 256; nearly every name is. Packing reads whole
 // blocks of four units, which overlap where a text does not fill them, so that little depends on its length. Together
 // with the number of units, the bytes tell every narrow text from every other; equal texts have equal bytes.
 //
-//     zov::packedText name(L"Width");   // 1 to 32 units
+//     zov::packedText name(L"Width");   // 1 to 31 units
 //     if (name.isAscii()) name.lowerAscii();
 //     name.hash();                      // that of L"width"
 //
@@ -40,6 +40,9 @@ public:
     packedHalf() noexcept = default;
     packedHalf(wchar_t const* one, wchar_t const* two, wchar_t const* three, wchar_t const* four) noexcept
         : packedHalf(fourAt(one), fourAt(two), fourAt(three), fourAt(four)) {}
+
+    explicit packedHalf(std::uint64_t const* words) noexcept
+        : mBytes(_mm_load_si128(static_cast<__m128i const*>(static_cast<void const*>(words)))) {}
 
     // Whether all units, and those of `other`, are below `limit`, a power of two.
     bool isBelow(int limit, packedHalf const& other) const noexcept {
@@ -85,6 +88,8 @@ public:
     packedHalf(wchar_t const* one, wchar_t const* two, wchar_t const* three, wchar_t const* four) noexcept
         : mFirst(fourAt(one) | fourAt(two) << 32), mSecond(fourAt(three) | fourAt(four) << 32) {}
 
+    explicit packedHalf(std::uint64_t const* words) noexcept : mFirst(words[0]), mSecond(words[1]) {}
+
     bool isBelow(int limit, packedHalf const& other) const noexcept {
         return (mSeen | other.mSeen) < static_cast<std::uint32_t>(limit);
     }
@@ -129,9 +134,9 @@ private:
 
 class packedText {
 public:
-    static constexpr std::size_t longest = 32;
+    static constexpr std::size_t longest = 31;
 
-    // `text` has 1 to 32 units. Unless it is narrow, there is nothing to be done with the result but to ask that.
+    // `text` has 1 to 31 units. Unless it is narrow, there is nothing to be done with the result but to ask that.
     explicit packedText(std::wstring_view text) noexcept : mSize(text.size()) {
         wchar_t const* const units = text.data();
         wchar_t const* const last = units + (mSize < 4 ? 0 : mSize - 4);
@@ -148,6 +153,7 @@ public:
         }
     }
 
+    std::size_t size() const noexcept { return mSize; }
     bool isAscii() const noexcept { return mLow.isBelow(0x80, mHigh); }
     bool isNarrow() const noexcept { return mLow.isBelow(0x100, mHigh); }
 
@@ -165,7 +171,17 @@ public:
         return mixed(all, 0xE7037ED1A0B428DBU);
     }
 
+    // The bytes of no narrow text of any length: up to 16 units leave the second half 0, and in more the two halves
+    // overlap in at least one unit, which would have to be 0 and 1 at once.
+    static constexpr packedBytes bytesOfNone() noexcept {
+        return {{0, 0, 0x0101010101010101U, 0x0101010101010101U}};
+    }
+
     packedBytes bytes() const noexcept { return {{mLow.first(), mLow.second(), mHigh.first(), mHigh.second()}}; }
+
+    // The text whose bytes were kept; `size` is the number of its units.
+    packedText(packedBytes const& kept, std::size_t size) noexcept
+        : mSize(size), mLow(kept.words.data()), mHigh(kept.words.data() + 2) {}
 
     bool isThatOf(packedBytes const& kept, std::size_t keptSize) const noexcept {
         return mLow.isThatOf(kept.words.data()) && mSize == keptSize && mHigh.isThatOf(kept.words.data() + 2);

@@ -12,113 +12,21 @@
 #include <utility>
 
 #include "zovHook.h"
-#include "zovLowerCase.h"
-#include "zovPackedText.h"
+#include "zovInternedText.h"
 
 namespace zov {
 
 namespace {
 
-// ---- looked-up texts
-//
-// Narrow texts (see packedText) are hashed and compared by their packed bytes, all others, called wide, unit by unit. A
-// text that is looked up by its lower-case form is taken for what that form is: whatever way a text came in, equal
-// (lowered) texts have the same hash.
-
-// Hashes of narrow and wide texts differ in the highest bit, so that they are never compared with each other.
-constexpr std::uint32_t wideMark = 0x80000000U;
-
-// How a wide text is read: as it stands, or folded unit by unit on the way.
-struct asWritten {
-    template <class Fn>
-    static void forEachUnit(std::wstring_view text, Fn&& fn) {
-        for (wchar_t const unit : text)
-            fn(unit);
-    }
-};
-
-struct lowered {
-    template <class Fn>
-    static void forEachUnit(std::wstring_view text, Fn&& fn) {
-        forEachLowered(text, fn);
-    }
-};
-
-// An interned text behind its packed form, which a wide text has none of. Never changed, never freed. One cache line,
-// where a string takes no more room than four pointers.
-struct alignas(64) entry {
-    packedBytes packed;
-    string text;
-};
-
-struct narrowText {
-    packedText units;
-
-    std::uint32_t hash() const noexcept { return static_cast<std::uint32_t>(units.hash()) & ~wideMark; }
-    packedBytes packed() const noexcept { return units.bytes(); }
-    bool isThatOf(entry const& known) const noexcept { return units.isThatOf(known.packed, known.text.size()); }
-};
-
-template <class Reading>
-struct wideText {
-    std::wstring_view units;
-
-    std::uint32_t hash() const noexcept {
-        std::uint64_t result = 0x9E3779B97F4A7C15U;
-        Reading::forEachUnit(units, [&result](wchar_t unit) {
-            result = (result ^ static_cast<std::uint64_t>(unit)) * 0x9FB21C651E98DF25U;
-            result ^= result >> 32;
-        });
-        return static_cast<std::uint32_t>(result) | wideMark;
-    }
-    packedBytes packed() const noexcept { return {}; }
-    bool isThatOf(entry const& known) const noexcept {
-        if (units.size() != known.text.size()) return false;
-        wchar_t const* expected = known.text.data();
-        bool same = true;
-        Reading::forEachUnit(units, [&](wchar_t unit) { same = (unit == *expected++) && same; });
-        return same;
-    }
-};
-
-// Calls `fn` with `text`, which is not empty, as a wide or as a narrow text.
-template <class Fn>
-auto withWritten(std::wstring_view text, Fn&& fn) {
-    if (text.size() <= packedText::longest) [[likely]] {
-        packedText const packed(text);
-        if (packed.isNarrow()) [[likely]]
-            return fn(narrowText{packed});
-    }
-    return fn(wideText<asWritten>{text});
-}
-
-// The same for the lower-case form of `text`. Units beyond ASCII may have a lower case within, and those beyond 255 one
-// below: what the form is shows when it is made.
-template <class Fn>
-[[gnu::noinline]] auto withLoweredBeyondAscii(std::wstring_view text, Fn&& fn) {
-    if (text.size() > packedText::longest) return fn(wideText<lowered>{text});
-    std::array<wchar_t, packedText::longest> units;
-    auto next = units.begin();
-    forEachLowered(text, [&next](wchar_t unit) { *next++ = unit; });
-    return withWritten(std::wstring_view(units.data(), text.size()), fn);
-}
-
-template <class Fn>
-auto withLowered(std::wstring_view text, Fn&& fn) {
-    if (text.size() <= packedText::longest) [[likely]] {
-        packedText packed(text);
-        if (packed.isAscii()) [[likely]] {
-            packed.lowerAscii();
-            return fn(narrowText{packed});
-        }
-    }
-    return withLoweredBeyondAscii(text, fn);
-}
-
-// ---- the table
+using detail::internedText;
 
 // What tells an entry from others: the hash of its text in the high half, its number in the low half; 0 is nobody's.
 using slot = std::uint64_t;
+
+// Half of the hash of a text: what the table goes by.
+constexpr std::uint32_t tagOf(std::uint64_t hash) noexcept {
+    return static_cast<std::uint32_t>(hash >> 32);
+}
 
 constexpr slot slotOf(std::uint32_t hash, std::uint32_t number) noexcept {
     return slot{hash} << 32 | number;
@@ -137,26 +45,26 @@ constexpr std::size_t blockSize = 512;
 struct slotArray {
     explicit slotArray(std::size_t slotCount)
         : mask(slotCount - 1), slots(std::make_unique<std::atomic<slot>[]>(slotCount)),
-          blocks(std::make_unique<std::atomic<entry*>[]>(slotCount / (2 * blockSize))) {}
+          blocks(std::make_unique<std::atomic<internedText*>[]>(slotCount / (2 * blockSize))) {}
 
     bool hasRoomFor(std::uint32_t number) const noexcept { return number < (mask + 1) / 2; }
 
-    std::atomic<entry*>& blockOf(std::uint32_t number) const noexcept { return blocks[number / blockSize]; }
+    std::atomic<internedText*>& blockOf(std::uint32_t number) const noexcept { return blocks[number / blockSize]; }
 
     // The place of an entry. Its block was made before any slot named it.
-    entry* at(std::uint32_t number) const noexcept {
+    internedText* at(std::uint32_t number) const noexcept {
         return blockOf(number).load(std::memory_order_relaxed) + number % blockSize;
     }
 
     template <class Text>
-    entry const* find(Text const& text, std::uint32_t hash) const noexcept {
+    internedText const* find(Text const& text, std::uint32_t hash) const noexcept {
         for (std::size_t next = hash;; ++next) {
             slot const taken = slots[next & mask].load(std::memory_order_acquire);
             if (hashIn(taken) != hash || !taken) {
                 if (!taken) return nullptr;
                 continue;
             }
-            entry const* const known = at(numberIn(taken));
+            internedText const* const known = at(numberIn(taken));
             if (text.isThatOf(*known)) return known;
         }
     }
@@ -180,7 +88,7 @@ struct slotArray {
 
     std::size_t const mask;
     std::unique_ptr<std::atomic<slot>[]> const slots;
-    std::unique_ptr<std::atomic<entry*>[]> const blocks;
+    std::unique_ptr<std::atomic<internedText*>[]> const blocks;
     std::unique_ptr<slotArray> smaller; // the array that this one replaced; readers may still be in it
 };
 
@@ -195,34 +103,33 @@ std::mutex& tableMutex() {
 class interningTable {
 public:
     template <class Text>
-    string const* find(Text const& text) const noexcept {
-        return find(text, text.hash());
+    internedText const* find(Text const& text) const noexcept {
+        return find(text, tagOf(text.hash()));
     }
 
     // `units` is what `text` is made of.
     template <class Text>
-    string const* intern(Text const& text, std::wstring_view units) {
-        std::uint32_t const hash = text.hash();
-        string const* const known = find(text, hash);
+    internedText const* intern(Text const& text, std::wstring_view units) {
+        std::uint32_t const hash = tagOf(text.hash());
+        internedText const* const known = find(text, hash);
         return known ? known : add(text, hash, string(units));
     }
 
 private:
     template <class Text>
-    string const* find(Text const& text, std::uint32_t hash) const noexcept {
+    internedText const* find(Text const& text, std::uint32_t hash) const noexcept {
         slotArray const* const slots = mSlots.load(std::memory_order_acquire);
-        entry const* const known = slots ? slots->find(text, hash) : nullptr;
-        return known ? &known->text : nullptr;
+        return slots ? slots->find(text, hash) : nullptr;
     }
 
     template <class Text>
-    [[gnu::noinline]] string const* add(Text const& text, std::uint32_t hash, string&& units) {
+    [[gnu::noinline]] internedText const* add(Text const& text, std::uint32_t hash, string&& units) {
         std::lock_guard guard(tableMutex());
-        if (string const* const known = find(text, hash)) return known;
+        if (internedText const* const known = find(text, hash)) return known;
         slotArray* const slots = roomForOneMore();
-        auto const* const added = new (slots->at(mNext)) entry{text.packed(), std::move(units)};
+        auto const* const added = new (slots->at(mNext)) internedText{text.packed(), std::move(units)};
         slots->add(slotOf(hash, mNext++));
-        return &added->text;
+        return added;
     }
 
     // Room for a slot and an entry. Nothing has changed unless both could be had.
@@ -233,7 +140,7 @@ private:
         if (!current || !current->hasRoomFor(mNext))
             larger = std::make_unique<slotArray>(current ? 2 * (current->mask + 1) : 2 * blockSize);
         bool const beginsBlock = !current || mNext % blockSize == 0;
-        entry* const block = beginsBlock ? std::allocator<entry>().allocate(blockSize) : nullptr;
+        internedText* const block = beginsBlock ? std::allocator<internedText>().allocate(blockSize) : nullptr;
         if (larger && current) larger->addAllOf(*current);
         slotArray* const slots = larger ? larger.get() : current;
         if (block) slots->blockOf(mNext).store(block, std::memory_order_relaxed);
@@ -268,23 +175,23 @@ scString scString::createFrom(wchar_t const* text) {
 
 scString scString::createFrom(std::wstring_view text) {
     if (text.empty()) return scString();
-    return scString(withWritten(text, [text](auto const& form) { return theTable.intern(form, text); }));
+    return scString(detail::withWritten(text, [text](auto const& form) { return theTable.intern(form, text); }));
 }
 
 std::optional<scString> scString::find(std::wstring_view text) noexcept {
     if (text.empty()) return scString();
-    zov::string const* const known = withWritten(text, [](auto const& form) { return theTable.find(form); });
+    internedText const* const known = detail::withWritten(text, [](auto const& form) { return theTable.find(form); });
     return known ? std::optional(scString(known)) : std::nullopt;
 }
 
 std::optional<scString> scString::findLowered(std::wstring_view text) noexcept {
     if (text.empty()) return scString();
-    zov::string const* const known = withLowered(text, [](auto const& form) { return theTable.find(form); });
+    internedText const* const known = detail::withLowered(text, [](auto const& form) { return theTable.find(form); });
     return known ? std::optional(scString(known)) : std::nullopt;
 }
 
 zov::string const& scString::string() const noexcept {
-    return mText ? *mText : emptyText();
+    return mText ? mText->text : emptyText();
 }
 
 } // namespace zov

@@ -3,6 +3,13 @@
 
 namespace zov::metamodel {
 
+// Has the processor fetch the object's count, which is likely to be written soon, while other things are looked at.
+inline void fetchForCounting([[maybe_unused]] void const* object) noexcept {
+#if defined(__GNUC__)
+    __builtin_prefetch(object, 1);
+#endif
+}
+
 template <class T>
 void countIfAny(T* object) noexcept {
     if (object) object->addRef();

@@ -1,7 +1,7 @@
 // The growing list: for containers that only grow, by one entry at a time, and are read far more often. They keep the
 // order in which entries came; entries with a key are found by it at once.
 //
-// Entries lie in one block of memory with an index of their keys. Adding one writes behind the published ones and
+// Entries lie in one block of memory behind an index of their keys. Adding one writes behind the published ones and
 // publishes a greater size: nothing is copied, and whoever reads goes by the size that he found. A full block is
 // replaced by one of twice the room. The newest block holds the references; a former block that a walk still needs
 // holds the newer one instead, so that what it lists stays alive.
@@ -158,7 +158,7 @@ private:
     std::size_t mSize = 0;
 };
 
-// Header, entries and index in one piece of memory. The index is an open-addressing table of a power of two of words,
+// Header, index and entries in one piece of memory. The index is an open-addressing table of a power of two of words,
 // at most three quarters of them taken: half a word of the key, and the entry's position plus 1; 0 is a free place.
 // Words are only ever added, behind the entries that they lead to.
 template <class Entry, class Head>
@@ -211,10 +211,10 @@ struct growingList<Entry, Head>::block {
 
     void commit() noexcept { size.store(taken, std::memory_order_release); }
 
-    Entry* entries() noexcept { return reinterpret_cast<Entry*>(this + 1); }
-    Entry const* entries() const noexcept { return reinterpret_cast<Entry const*>(this + 1); }
-    word* index() noexcept { return reinterpret_cast<word*>(entries() + room); }
-    word const* index() const noexcept { return reinterpret_cast<word const*>(entries() + room); }
+    word* index() noexcept { return reinterpret_cast<word*>(this + 1); }
+    word const* index() const noexcept { return reinterpret_cast<word const*>(this + 1); }
+    Entry* entries() noexcept { return reinterpret_cast<Entry*>(index() + words); }
+    Entry const* entries() const noexcept { return reinterpret_cast<Entry const*>(index() + words); }
 
     std::atomic<std::uint32_t> holders{1};
     std::atomic<std::uint32_t> size{0}; // entries that readers see

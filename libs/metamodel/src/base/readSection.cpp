@@ -12,7 +12,10 @@ namespace zov::metamodel {
 
 namespace {
 
-constexpr unsigned stripeCount = 64;
+// Each of the first threads of the process has a stripe of its own, and keeps it; all later ones share the others.
+constexpr unsigned ownStripes = 48;
+constexpr unsigned sharedStripes = 16;
+constexpr unsigned stripeCount = ownStripes + sharedStripes;
 constexpr std::size_t apart = 128; // two lines, since processors fetch them in pairs
 
 // The sections that are open now, counted apart by the phase in which they began.
@@ -25,7 +28,7 @@ constinit stripe stripes[stripeCount];
 // 0 or 1: where sections that begin now are counted. A writer turns it, so that the count it waits for only falls.
 alignas(apart) constinit std::atomic<unsigned> phase{0};
 
-alignas(apart) constinit std::atomic<unsigned> threadsSeen{0};
+alignas(apart) constinit std::atomic<std::uint64_t> threadsSeen{0};
 constinit std::mutex turnMutex; // held by the one writer that turns the phase
 
 constexpr unsigned noStripe = stripeCount;
@@ -37,13 +40,15 @@ constexpr unsigned noStripe = stripeCount;
 constinit thread_local unsigned ownStripe = noStripe;
 
 [[gnu::noinline]] unsigned takeStripe() noexcept {
-    return ownStripe = threadsSeen.fetch_add(1) % stripeCount;
+    std::uint64_t const number = threadsSeen.fetch_add(1);
+    return ownStripe = static_cast<unsigned>(number < ownStripes ? number : ownStripes + number % sharedStripes);
 }
 
 // Whether no section is open on the stripes in use: each stripe was seen without one at some moment.
 template <class IsQuiet>
 bool allStripes(IsQuiet const& isQuiet) noexcept {
-    auto const used = std::min(threadsSeen.load(), stripeCount);
+    std::uint64_t const seen = threadsSeen.load();
+    std::uint64_t const used = seen < ownStripes ? seen : stripeCount;
     return std::all_of(stripes, stripes + used, isQuiet);
 }
 
@@ -64,11 +69,11 @@ void waitUntilEnded(unsigned inPhase) noexcept {
 
 } // namespace
 
-std::atomic<std::uint32_t>& readSection::enter() noexcept {
+readSection::counter readSection::enter() noexcept {
     unsigned const number = ownStripe != noStripe ? ownStripe : takeStripe();
     auto& open = stripes[number].open[phase.load(std::memory_order_relaxed)];
     open.fetch_add(1);
-    return open;
+    return {open, number >= ownStripes};
 }
 
 // Both counts have been 0 after the call began, so that no section from before it is left. New sections are counted

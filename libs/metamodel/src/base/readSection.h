@@ -7,8 +7,8 @@
 //     waitForReaders();                          // nobody who found it before is still looking
 //     delete former;
 //
-// A section costs its thread two atomic additions on a cache line that is the thread's own (threads share lines only
-// when there are more than 64 of them). It never waits, allocates nothing, and may lie within another one.
+// A section costs one atomic addition and one store on a cache line that is the thread's own (only threads beyond the
+// first 48 of the process share lines). It never waits, allocates nothing, and may lie within another one.
 //
 // Within a section nothing may be called that waits, locks, ends objects or belongs to the host: writers wait for its
 // end. Whoever needs an object beyond that counts it before the section ends.
@@ -21,16 +21,28 @@ namespace zov::metamodel {
 
 class readSection {
 public:
-    readSection() noexcept : mOpen(enter()) {}
-    ~readSection() { mOpen.fetch_sub(1, std::memory_order_release); }
+    readSection() noexcept : mCount(enter()) {}
+    ~readSection() {
+        if (mCount.isShared) {
+            mCount.open.fetch_sub(1, std::memory_order_release);
+        } else {
+            mCount.open.store(mCount.open.load(std::memory_order_relaxed) - 1, std::memory_order_release);
+        }
+    }
 
     readSection(readSection const&) = delete;
     readSection& operator=(readSection const&) = delete;
 
 private:
-    static std::atomic<std::uint32_t>& enter() noexcept;
+    // Where the open sections of this thread, or of those that share with it, are counted.
+    struct counter {
+        std::atomic<std::uint32_t>& open;
+        bool isShared;
+    };
 
-    std::atomic<std::uint32_t>& mOpen;
+    static counter enter() noexcept;
+
+    counter const mCount;
 };
 
 // Returns when every section that was open at the call has ended; later ones are not waited for. Not to be called

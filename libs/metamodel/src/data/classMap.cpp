@@ -24,8 +24,11 @@ classMap::snapshotPtr classMap::snapshot() const noexcept {
     return snapshotPtr(mClasses.snapshot());
 }
 
-classEntry const* classMap::find(readSection const& reading, scString name) const noexcept {
-    return mClasses.find(reading, scrambledKey(name), [name](classEntry const& entry) { return entry.name == name; });
+classEntry const* classMap::find(readSection const& reading, nameKey const& name) const noexcept {
+    return mClasses.find(reading, name.hash(), [&name](classEntry const& entry) {
+        fetchForCounting(entry.object);
+        return name.isTextOf(entry.name);
+    });
 }
 
 void classMap::store(heldMutex const& held, refPtr<classInfo> const& added) {

@@ -9,7 +9,7 @@
 
 #include "base/counting.h"
 #include "base/growingList.h"
-#include "base/nameKey.h"
+#include "base/names.h"
 #include "zovMdlClassInfo.h"
 
 namespace zov::metamodel {
@@ -29,7 +29,7 @@ private:
 struct classEntry {
     static constexpr bool isIndexed = true;
 
-    std::uint64_t key() const noexcept { return scrambledKey(name); }
+    std::uint64_t key() const noexcept { return nameKey(name).hash(); }
     void retain() const noexcept { countIfAny(object); }
     void release() const noexcept { giveUpQuietly(object); }
 
@@ -57,7 +57,7 @@ public:
     snapshotPtr snapshot() const noexcept;
 
     // The class of this name, or null; valid until the end of the section.
-    classEntry const* find(readSection const& reading, scString name) const noexcept;
+    classEntry const* find(readSection const& reading, nameKey const& name) const noexcept;
 
     std::size_t size() const noexcept { return mClasses.size(); }
 

@@ -12,15 +12,21 @@ bool classTable::contains(scString name) const noexcept {
 
 void classTable::emplace(scString name, refPtr<classInfo> const& added) {
     if (contains(name)) return;
-    std::vector<related> larger;
-    larger.reserve(size() + 1);
-    auto next = begin();
+    related const last{{name, added}, added ? &classData::of(*added) : nullptr};
+    if (size() == 0) {
+        mOne.emplace(last);
+        return;
+    }
+    std::vector<related> all;
+    all.reserve(size() + 1);
+    auto const* next = begin();
     for (; next != end() && next->named.first < name; ++next)
-        larger.push_back(*next);
-    larger.push_back({{name, added}, added ? &classData::of(*added) : nullptr});
+        all.push_back(*next);
+    all.push_back(last);
     for (; next != end(); ++next)
-        larger.push_back(*next);
-    mClasses.swap(larger);
+        all.push_back(*next);
+    mMany.swap(all);
+    mOne.reset();
 }
 
 } // namespace zov::metamodel

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <vector>
 
 #include "zovMdlClassInfo.h"
@@ -21,12 +22,13 @@ public:
     // Adds a class, unless one of that name is there. Throws std::bad_alloc, and nothing has changed.
     void emplace(scString name, refPtr<classInfo> const& added);
 
-    std::size_t size() const noexcept { return mClasses.size(); }
-    std::vector<related>::const_iterator begin() const noexcept { return mClasses.begin(); }
-    std::vector<related>::const_iterator end() const noexcept { return mClasses.end(); }
+    std::size_t size() const noexcept { return mMany.empty() ? mOne.has_value() : mMany.size(); }
+    related const* begin() const noexcept { return mMany.empty() && mOne ? &*mOne : mMany.data(); }
+    related const* end() const noexcept { return begin() + size(); }
 
 private:
-    std::vector<related> mClasses;
+    std::optional<related> mOne; // a single class: at hand without a further step
+    std::vector<related> mMany;  // all classes when there are more
 };
 
 } // namespace zov::metamodel

@@ -3,7 +3,7 @@
 
 #include "base/counting.h"
 #include "base/growingList.h"
-#include "base/nameKey.h"
+#include "base/names.h"
 #include "zovMdlFieldInfo.h"
 
 namespace zov::metamodel {
@@ -11,7 +11,7 @@ namespace zov::metamodel {
 struct fieldEntry {
     static constexpr bool isIndexed = true;
 
-    std::uint64_t key() const noexcept { return scrambledKey(name); }
+    std::uint64_t key() const noexcept { return nameKey(name).hash(); }
     void retain() const noexcept { countIfAny(field); }
     void release() const noexcept { giveUpQuietly(field); }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/counting.h"
 #include "parts/baseSearch.h"
 
 namespace zov::metamodel {
@@ -9,16 +10,18 @@ namespace zov::metamodel {
 namespace {
 
 // The class's own field of this name, or null.
-fieldInfo* ownField(readSection const& reading, classData const& owner, scString name) noexcept {
-    auto const isIt = [name](fieldEntry const& entry) { return entry.name == name; };
-    fieldEntry const* const found = owner.mFieldInfos.find(reading, scrambledKey(name), isIt);
+fieldInfo* ownField(readSection const& reading, classData const& owner, nameKey const& name) noexcept {
+    auto const isIt = [&name](fieldEntry const& entry) {
+        fetchForCounting(entry.field);
+        return name.isTextOf(entry.name);
+    };
+    fieldEntry const* const found = owner.mFieldInfos.find(reading, name.hash(), isIt);
     return found ? found->field : nullptr;
 }
 
 // The same for a name as it is asked for, by the class's case rule.
 fieldInfo* ownField(readSection const& reading, classData const& owner, lookedUpName& name) noexcept {
-    auto const key = name.key(owner.mCaseSensitiveNames);
-    return key ? ownField(reading, owner, *key) : nullptr;
+    return ownField(reading, owner, name.key(owner.mCaseSensitiveNames));
 }
 
 bool isOwnLowerCase(scString name) noexcept {
@@ -34,11 +37,8 @@ bool differAtMostInCase(scString left, scString right) {
 // The first field that takes the name, or null.
 fieldInfo* fieldThatTakes(classData& owner, heldMutex const& held, scString name, bool caseSensitive) {
     readSection const reading;
-    if (caseSensitive) return ownField(reading, owner, name);
-    if (!owner.mHasCapitals) {
-        auto const lowered = scString::findLowered(name.string());
-        return lowered ? ownField(reading, owner, *lowered) : nullptr;
-    }
+    if (caseSensitive) return ownField(reading, owner, nameKey(name));
+    if (!owner.mHasCapitals) return ownField(reading, owner, nameKey(name.string(), false));
     for (fieldEntry const& entry : owner.mFieldInfos.entries(held)) {
         if (differAtMostInCase(entry.name, name)) return entry.field;
     }
@@ -54,13 +54,14 @@ void stage(classData& owner, heldMutex const& held, refPtr<fieldInfo> const& add
 
 } // namespace
 
-fieldInfo* findField(readSection const& reading, classData const& owner, lookedUpName& name, bool searchBaseClasses,
+fieldInfo* findField(readSection const& reading, classData const& owner, std::wstring_view name, bool searchBaseClasses,
                      bool searchAliases) {
-    if (fieldInfo* const own = ownField(reading, owner, name)) return own;
+    lookedUpName asked(name, owner.mCaseSensitiveNames);
+    if (fieldInfo* const own = ownField(reading, owner, asked)) return own;
     if (!searchBaseClasses) return nullptr;
     fieldInfo* found = nullptr;
     auto const isIn = [&](classTable::related const& base) {
-        found = ownField(reading, classData::of(*base.named.second), name);
+        found = ownField(reading, classData::of(*base.named.second), asked);
         return found != nullptr;
     };
     // KEEP CF-07: the flags change places on the way up, so that the bases' own bases are searched only when

@@ -1,16 +1,17 @@
 // The fields of a class by their names: finding them, and adding further ones.
 #pragma once
 
+#include <string_view>
 #include <vector>
 
-#include "base/nameKey.h"
+#include "base/names.h"
 #include "data/classData.h"
 
 namespace zov::metamodel {
 
 // The field of this name: of the class's own, else, with searchBaseClasses, of its bases, in whose own bases aliases
 // must be wanted for a search. Null when there is none. Valid until the end of the section.
-fieldInfo* findField(readSection const& reading, classData const& owner, lookedUpName& name, bool searchBaseClasses,
+fieldInfo* findField(readSection const& reading, classData const& owner, std::wstring_view name, bool searchBaseClasses,
                      bool searchAliases);
 
 // Adds the field, unless its name is taken: by the same one, or, unless letter case matters, by one that differs in

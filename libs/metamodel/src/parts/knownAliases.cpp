@@ -4,7 +4,7 @@
 #include <new>
 
 #include "base/growingList.h"
-#include "base/nameKey.h"
+#include "base/names.h"
 
 namespace zov::metamodel {
 
@@ -13,7 +13,7 @@ namespace {
 struct knownAlias {
     static constexpr bool isIndexed = true;
 
-    std::uint64_t key() const noexcept { return scrambledKey(name); }
+    std::uint64_t key() const noexcept { return nameKey(name).hash(); }
     void retain() const noexcept {}
     void release() const noexcept {}
 
@@ -24,10 +24,10 @@ struct knownAliases {
     std::recursive_mutex mutex;
     growingList<knownAlias> names;
 
-    bool contains(scString name) const noexcept {
+    bool contains(nameKey const& name) const noexcept {
         readSection const reading;
-        auto const isIt = [name](knownAlias const& known) { return known.name == name; };
-        return names.find(reading, scrambledKey(name), isIt) != nullptr;
+        auto const isIt = [&name](knownAlias const& known) { return name.isTextOf(known.name); };
+        return names.find(reading, name.hash(), isIt) != nullptr;
     }
 };
 
@@ -42,12 +42,13 @@ knownAliases& aliases() noexcept {
 
 void rememberAlias(scString alias) {
     knownAliases& known = aliases();
-    if (known.contains(alias)) return;
+    nameKey const key(alias);
+    if (known.contains(key)) return;
     heldMutex const held(known.mutex);
-    if (!known.contains(alias)) known.names.append(held, {alias});
+    if (!known.contains(key)) known.names.append(held, {alias});
 }
 
-bool wasEverAlias(scString name) noexcept {
+bool wasEverAlias(nameKey const& name) noexcept {
     return aliases().contains(name);
 }
 

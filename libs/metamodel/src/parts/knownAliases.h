@@ -3,7 +3,7 @@
 // Like interned names, the texts are never forgotten.
 #pragma once
 
-#include "zovScString.h"
+#include "zovNameKey.h"
 
 namespace zov::metamodel {
 
@@ -11,6 +11,6 @@ namespace zov::metamodel {
 void rememberAlias(scString alias);
 
 // Takes no lock and allocates nothing.
-bool wasEverAlias(scString name) noexcept;
+bool wasEverAlias(nameKey const& name) noexcept;
 
 } // namespace zov::metamodel

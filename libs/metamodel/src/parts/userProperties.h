@@ -6,7 +6,7 @@
 
 #include <functional>
 
-#include "base/nameKey.h"
+#include "base/names.h"
 #include "zovGenericSet.h"
 #include "zovRefPtr.h"
 
@@ -69,7 +69,7 @@ inline bool readProperty(genericSet const& set, scString key, genericValue& out)
 template <class T, class SearchAbove>
 bool findProperty(userProperties const& properties, unaskedReading reading, string const& name, T& out,
                   bool searchInherited, SearchAbove const& searchAbove) {
-    auto const key = lookupKey(name, true);
+    auto const key = knownName(name, true);
     if (!key) return false;
     if (readProperty(properties.mOwn, *key, out)) return true;
     if (!searchInherited && !readsUnasked(reading, out)) return false;

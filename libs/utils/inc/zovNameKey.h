@@ -1,0 +1,46 @@
+// A name as a hash table of names compares it: for tables whose keys are scStrings and whose questions are texts.
+//
+//     nameKey const filed(scString::createFrom(L"width"));   // what the table goes by when it files a name
+//     nameKey const asked(L"Width", false);                  // and when it is asked for a text in any letter case
+//     asked.hash() == filed.hash();                          // equal, since the lowered text is that of the name
+//     asked.isTextOf(scString::createFrom(L"width"));        // true: the table's entry has the text asked for
+//
+// A table that is asked so need not find the handle of the text first. Nothing is interned or allocated.
+//
+// Threads: a value; any thread may call anything. Fails: never.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+#include "zovScString.h"
+#include "zovUtilsApi.h"
+
+namespace zov {
+
+class ZOV_UTILS_API nameKey {
+public:
+    // The key of a text: as it is written, or, unless case matters, of its lower-case form.
+    nameKey(std::wstring_view text, bool caseMatters) noexcept;
+
+    // The key under which a name is filed.
+    explicit nameKey(scString name) noexcept;
+
+    // Equal for equal texts; well spread over all 64 bits. Differs between processes and platforms.
+    std::uint64_t hash() const noexcept { return mHash; }
+
+    // Whether this is the key of exactly the text of `name`.
+    bool isTextOf(scString name) const noexcept;
+
+private:
+    // A short text of small units lies here in packed form; of any other, and of the empty one, the handle is known.
+    std::array<std::uint64_t, 4> mPacked{};
+    std::size_t mSize = 0; // of a packed text; else 0
+    std::uint64_t mHash = 0;
+    std::optional<scString> mName; // empty as well when no such text is interned
+};
+
+} // namespace zov
