@@ -18,9 +18,9 @@ using zov::tests::eventLog;
 using classes = std::vector<refPtr<classInfo>>;
 
 // Puts an entry into one of the class's tables.
-void place(cowSlot<classTable> classData::*table, ownClass const& into, scString name, refPtr<classInfo> const& entry) {
+void place(relatedClasses classData::*table, ownClass const& into, scString name, refPtr<classInfo> const& entry) {
     auto& data = testAccess::data(*into.pointer());
-    (data.*table).publish(heldMutex(data.mMutex), [&](classTable& entries) { entries.emplace(name, entry); });
+    (data.*table).add(heldMutex(data.mMutex), name, entry);
 }
 
 void placeDerived(ownClass const& base, ownClass const& derived) {

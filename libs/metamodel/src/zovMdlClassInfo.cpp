@@ -27,18 +27,18 @@ constexpr std::int32_t flagAbstract = 1;
 
 std::atomic<bool> closing{false};
 
-bool hasClass(cowSlot<classTable> const& table, refPtr<classInfo> const& wanted) {
+bool hasClass(relatedClasses const& table, refPtr<classInfo> const& wanted) {
     if (!wanted) return false;
     readSection const reading;
     classTable const* const classes = table.peek(reading);
     return classes && classes->contains(wanted->scName());
 }
 
-void addClass(cowSlot<classTable>& table, heldMutex const& held, refPtr<classInfo> const& added) {
-    table.publish(held, [&](classTable& classes) { classes.emplace(added->scName(), added); });
+void addClass(relatedClasses& table, heldMutex const& held, refPtr<classInfo> const& added) {
+    table.add(held, added->scName(), added);
 }
 
-bool walkClasses(cowSlot<classTable> const& table, bool stopOnFalse,
+bool walkClasses(relatedClasses const& table, bool stopOnFalse,
                  std::function<bool(classInfo::entry const&)> const& visit) {
     auto const classes = table.snapshot();
     return !classes || walk(*classes, stopOnFalse, [&](classTable::related const& one) { return visit(one.named); });
@@ -105,8 +105,8 @@ void classInfo::tearDown() noexcept {
     auto const from = mData->mFromRelations.clear(held);
     auto const to = mData->mToRelations.clear(held);
     held.unlock();
-    auto const detached = std::count_if(fields.begin(), fields.end(),
-                                        [](fieldEntry const& listed) { return listed.field->detachOwner() != nullptr; });
+    auto const detached = std::count_if(
+        fields.begin(), fields.end(), [](fieldEntry const& listed) { return listed.field->detachOwner() != nullptr; });
     waitForReaders();
     for (auto left = detached; left > 0; --left)
         release(); // the references of the fields, to which this class was the owner
@@ -265,7 +265,7 @@ bool classInfo::copyInfosFrom(const_refPtr<classInfo> const& from, wchar_t const
         std::vector<refPtr<metamodel::fieldInfo>> copies;
         auto const copyOne = [&](refPtr<metamodel::fieldInfo> const& field) {
             auto const copy = field->copyFor(this, prefixed(prefix, field->scName()));
-            if (!isTaken(*mData, held, copy->scName(), copies)) copies.push_back(copy);
+            if (!isTaken(*mData, held, copy, copies)) copies.push_back(copy);
             return true;
         };
         from->forEachFieldInfo(copyOne, false);
@@ -353,8 +353,8 @@ bool classInfo::isBaseOf(const_refPtr<classInfo> const& other) const {
 
 bool classInfo::isDerivedFrom(const_refPtr<classInfo> const& other) const {
     readSection const reading;
-    return baseSearch(withinSection{reading}).any(*mData, [&](classTable::related const& base) {
-        return base.named.second && base.named.second == other;
+    return other && baseSearch(withinSection{reading}).any(*mData, [&](classData const* base) {
+        return base == &classData::of(*other);
     });
 }
 
@@ -402,7 +402,9 @@ refPtr<relationInfo> classInfo::relationBetween(refPtr<metamodel::fieldInfo> con
         return nullptr;
     }
     readSection const reading;
-    auto const isIt = [&](leavingEntry const& listed) { return listed.from == fromField.get() && listed.to == toField.get(); };
+    auto const isIt = [&](leavingEntry const& listed) {
+        return listed.from == fromField.get() && listed.to == toField.get();
+    };
     auto const* const found =
         mData->mToRelations.find(reading, leavingEntry::keyOf(fromField.get(), toField.get()), isIt);
     return found ? found->relation : nullptr;
@@ -459,9 +461,7 @@ const_refPtr<relationInfo> classInfo::toRelation(string const& name, bool search
         return false;
     };
     if (!isIn(*mData) && searchBaseClasses) {
-        baseSearch(withinSection{reading}).any(*mData, [&](classTable::related const& base) {
-            return isIn(classData::of(*base.named.second));
-        });
+        baseSearch(withinSection{reading}).any(*mData, [&](classData const* base) { return isIn(checked(base)); });
     }
     return found;
 }
@@ -511,8 +511,8 @@ bool classInfo::getUserProperty(string const& name, genericValue& value, bool se
 // Through the bases, depth first in key order; their private values are not seen.
 template <class T>
 bool classInfo::findInherited(scString key, T& out) const {
-    return baseSearch(bySnapshots()).any(*mData, [&](classTable::related const& base) {
-        return readProperty(classData::of(*base.named.second).mUserProperties.mInheritable, key, out);
+    return baseSearch(bySnapshots()).any(*mData, [&](classData const* base) {
+        return readProperty(checked(base).mUserProperties.mInheritable, key, out);
     });
 }
 

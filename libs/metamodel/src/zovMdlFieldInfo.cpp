@@ -75,8 +75,8 @@ metamodel::classInfo* fieldInfo::detachOwner() noexcept {
 }
 
 refPtr<fieldInfo> fieldInfo::copyFor(refPtr<metamodel::classInfo> const& owner, string const& name) const {
-    refPtr<fieldInfo> copy(new fieldInfo(owner, scString::createFrom(name), type(), mData->mTypeAttribs,
-                                         customTypeString().string()));
+    refPtr<fieldInfo> copy(
+        new fieldInfo(owner, scString::createFrom(name), type(), mData->mTypeAttribs, customTypeString().string()));
     fieldData& to = *copy->mData;
     if (mData->mTexts) to.mTexts = std::make_unique<fieldTexts>(*mData->mTexts);
     to.mFlags = mData->mFlags.load();

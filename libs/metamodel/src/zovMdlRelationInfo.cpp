@@ -157,8 +157,7 @@ const_refPtr<fieldInfo> relationInfo::toFieldInfo(const_refPtr<fieldInfo> const&
 bool relationInfo::forEachFieldPair(std::function<bool(refPtr<fieldInfo>, refPtr<fieldInfo>)> const& visit,
                                     bool stopOnFalse) const {
     auto const pairs = mData->mRelations.snapshot();
-    return !pairs ||
-           walk(*pairs, stopOnFalse, [&](fieldPair const& pair) { return visit(pair.first, pair.second); });
+    return !pairs || walk(*pairs, stopOnFalse, [&](fieldPair const& pair) { return visit(pair.first, pair.second); });
 }
 
 // ---- growing

@@ -83,7 +83,9 @@ public:
     countedPair(countedPair&& other) noexcept { swap(other); }
 
     ~countedPair() {
-        if (!mCounter || interlockedDecrement(mCounter) != 0) return;
+        if (!mCounter) return;
+        // Whoever holds the only reference need not tell others.
+        if (counterValue(mCounter) != 1 && interlockedDecrement(mCounter) != 0) return;
         if (mObject) Delete()(mObject);
         shptr::releaseCounter(mCounter);
     }

@@ -38,8 +38,8 @@ struct lowered {
     }
 };
 
-// An interned text behind its packed form. Never changed, never freed. One cache line, where a string takes no more room
-// than four pointers.
+// An interned text behind its packed form. Never changed, never freed. One cache line, where a string takes no more
+// room than four pointers.
 struct alignas(64) internedText {
     packedBytes packed;
     string text;

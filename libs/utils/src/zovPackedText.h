@@ -173,9 +173,7 @@ public:
 
     // The bytes of no narrow text of any length: up to 16 units leave the second half 0, and in more the two halves
     // overlap in at least one unit, which would have to be 0 and 1 at once.
-    static constexpr packedBytes bytesOfNone() noexcept {
-        return {{0, 0, 0x0101010101010101U, 0x0101010101010101U}};
-    }
+    static constexpr packedBytes bytesOfNone() noexcept { return {{0, 0, 0x0101010101010101U, 0x0101010101010101U}}; }
 
     packedBytes bytes() const noexcept { return {{mLow.first(), mLow.second(), mHigh.first(), mHigh.second()}}; }
 

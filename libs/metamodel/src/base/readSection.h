@@ -1,7 +1,7 @@
 // How readers look at published objects without counting them, and how writers free nothing under their eyes.
 //
-//     readSection const reading;                 // reader: what is published now stays alive until the end of the scope
-//     body const* now = published.load();        // with memory_order_seq_cst
+//     readSection const reading;                 // reader: what is published now stays alive until the end of the
+//     scope body const* now = published.load();        // with memory_order_seq_cst
 //
 //     body* former = published.exchange(next);   // writer, likewise seq_cst: no new reader finds `former`
 //     waitForReaders();                          // nobody who found it before is still looking

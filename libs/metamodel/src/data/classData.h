@@ -5,10 +5,9 @@
 #include <cstdint>
 #include <mutex>
 
-#include "base/cowSlot.h"
 #include "base/linkSlot.h"
-#include "data/classTable.h"
 #include "data/fieldList.h"
+#include "data/relatedClasses.h"
 #include "data/relationLists.h"
 #include "parts/userProperties.h"
 #include "zovGenericSet.h"
@@ -19,21 +18,23 @@
 namespace zov::metamodel {
 
 struct classData {
-    classData(scString name, bool caseSensitiveNames) : mName(name), mCaseSensitiveNames(caseSensitiveNames) {}
+    classData(scString name, bool caseSensitiveNames) : mCaseSensitiveNames(caseSensitiveNames), mName(name) {}
 
     static classData const& of(classInfo const& owner) { return *owner.mData; }
 
-    // What lookups read stands together.
-    scString const mName;
-    bool const mCaseSensitiveNames;        // the model's rule at the time the class was made
-    bool mHasCapitals = false;             // the name of some field is not its own lower case; for writers
+    // What lookups read comes first, within one cache line's length.
+    std::atomic<std::uint64_t> mFieldFilter{
+        0};                         // a bit for each field's name, set before the field is seen; never cleared
+    bool const mCaseSensitiveNames; // the model's rule at the time the class was made
+    bool mHasCapitals = false;      // the name of some field is not its own lower case; for writers
     std::atomic<std::int32_t> mFlags{0};
     linkSlot<idInfo> mutable mIdInfo;
-    cowSlot<classTable> mBaseClasses;
-    cowSlot<classTable> mDerivedClasses;
+    relatedClasses mBaseClasses;
     fieldList mFieldInfos;
     arrivingRelations mFromRelations;
     leavingRelations mToRelations;
+    scString const mName;
+    relatedClasses mDerivedClasses;
     std::atomic<std::uint64_t> mIdGeneration{0}; // counts how often the id set was dropped
     string mLabel;
     genericSet mProperties; // "Alias": the alias list

@@ -61,7 +61,8 @@ public:
 
     std::size_t size() const noexcept { return mClasses.size(); }
 
-    // Publishes the class under its name, in place of one that is there. Throws std::bad_alloc, and nothing has changed.
+    // Publishes the class under its name, in place of one that is there. Throws std::bad_alloc, and nothing has
+    // changed.
     void store(heldMutex const& held, refPtr<classInfo> const& added);
 
     // Publishes the empty map and answers what was there, for the caller to end after waitForReaders().

@@ -25,7 +25,9 @@ struct fieldData {
         : mClassInfo(owner), mBaseField(std::move(baseField)), mName(name), mType(type),
           mCustomTypeString(customTypeString), mTypeAttribs(typeAttribs) {}
 
-    string const& text(string fieldTexts::*which) const noexcept { return mTexts ? *mTexts.*which : scString().string(); }
+    string const& text(string fieldTexts::*which) const noexcept {
+        return mTexts ? *mTexts.*which : scString().string();
+    }
     void setText(string fieldTexts::*which, string const& text) {
         if (!mTexts) mTexts = std::make_unique<fieldTexts>();
         *mTexts.*which = text;

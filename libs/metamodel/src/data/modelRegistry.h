@@ -16,8 +16,8 @@ struct modelRegistry {
 
     // What registrations write all the while stands on other cache lines.
     [[maybe_unused]] std::byte mGap[128];
-    std::recursive_mutex mMutex;   // held while a class is made and published, accept included
-    std::mutex mCaseRuleMutex;     // held while the stored rule and the copy above change together
+    std::recursive_mutex mMutex; // held while a class is made and published, accept included
+    std::mutex mCaseRuleMutex;   // held while the stored rule and the copy above change together
 };
 
 } // namespace zov::metamodel

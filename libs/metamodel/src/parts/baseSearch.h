@@ -58,16 +58,23 @@ private:
     std::size_t mCount = 0;
 };
 
+// The class of an entry that a search comes to. An empty one fails as an empty pointer does.
+inline classData const& checked(classData const* base) {
+    return base ? *base : classData::of(*refPtr<classInfo>());
+}
+
 // Looks at the bases within a section: for searches that call nothing but the library.
 struct withinSection {
     readSection const& reading;
 
+    classData const* onlyBase(classData const& of) const noexcept { return of.mBaseClasses.only(reading); }
     classTable const* bases(classData const& of) const noexcept { return of.mBaseClasses.peek(reading); }
 };
 
 // Keeps the bases alive by snapshots: for searches that call the host.
 struct bySnapshots {
-    static cowSlot<classTable>::snapshotPtr bases(classData const& of) noexcept { return of.mBaseClasses.snapshot(); }
+    static classData const* onlyBase(classData const&) noexcept { return nullptr; }
+    static relatedClasses::snapshotPtr bases(classData const& of) noexcept { return of.mBaseClasses.snapshot(); }
 };
 
 // Access is one of the two above.
@@ -76,25 +83,38 @@ class baseSearch {
 public:
     explicit baseSearch(Access access) noexcept : mAccess(access) {}
 
-    // Calls `visit` with each distinct direct or indirect base until it answers true. Answers whether it did.
-    // Throws std::bad_alloc when there are more than some hundred.
+    // Calls `visit` with each distinct direct or indirect base, null for an empty entry, until it answers true. Answers
+    // whether it did. Throws std::bad_alloc when there are more than some hundred.
     template <class Visit>
     bool any(classData const& from, Visit const& visit) {
+        if (classData const* const base = mAccess.onlyBase(from)) return comesTo(base, visit);
         auto const bases = mAccess.bases(from);
         if (!bases) return false;
         // A class can be met again only behind one that has several bases.
         mMayMeetAgain = mMayMeetAgain || bases->size() > 1;
-        for (classTable::related const& base : *bases) {
-            if (mMayMeetAgain && base.data && !mMet.add(base.data)) continue;
-            if (visit(base) || (base.data && any(*base.data, visit))) return true;
-        }
-        return false;
+        return std::any_of(bases->begin(), bases->end(),
+                           [&](classTable::related const& base) { return comesTo(base.data, visit); });
     }
 
 private:
+    template <class Visit>
+    bool comesTo(classData const* base, Visit const& visit) {
+        if (mMayMeetAgain && base && !mMet.add(base)) return false;
+        return visit(base) || (base && any(*base, visit));
+    }
+
     Access mAccess;
     metClasses mMet;
     bool mMayMeetAgain = false;
 };
+
+// The same for the direct bases alone.
+template <class Visit>
+bool anyDirectBase(readSection const& reading, classData const& from, Visit const& visit) {
+    if (classData const* const base = from.mBaseClasses.only(reading)) return visit(base);
+    classTable const* const bases = from.mBaseClasses.peek(reading);
+    return bases &&
+           std::any_of(bases->begin(), bases->end(), [&](classTable::related const& base) { return visit(base.data); });
+}
 
 } // namespace zov::metamodel

@@ -9,8 +9,15 @@ namespace zov::metamodel {
 
 namespace {
 
+// The bit of a name in the filter of a class: most classes that do not have a field can tell so by it, without their
+// list of fields.
+std::uint64_t filterBit(nameKey const& name) noexcept {
+    return std::uint64_t{1} << (name.hash() >> 40) % 64;
+}
+
 // The class's own field of this name, or null.
 fieldInfo* ownField(readSection const& reading, classData const& owner, nameKey const& name) noexcept {
+    if ((owner.mFieldFilter.load(std::memory_order_acquire) & filterBit(name)) == 0) return nullptr;
     auto const isIt = [&name](fieldEntry const& entry) {
         fetchForCounting(entry.field);
         return name.isTextOf(entry.name);
@@ -24,32 +31,36 @@ fieldInfo* ownField(readSection const& reading, classData const& owner, lookedUp
     return ownField(reading, owner, name.key(owner.mCaseSensitiveNames));
 }
 
-bool isOwnLowerCase(scString name) noexcept {
-    return scString::findLowered(name.string()) == name;
-}
-
 bool differAtMostInCase(scString left, scString right) {
     if (left == right) return true;
     if (left.string().size() != right.string().size()) return false;
     return left.string().lower() == right.string().lower();
 }
 
+// The name of a field to be added.
+struct newName {
+    explicit newName(refPtr<fieldInfo> const& field) : name(field->scName()), lowered(name.string(), false) {}
+
+    scString name;
+    nameKey lowered;
+};
+
 // The first field that takes the name, or null.
-fieldInfo* fieldThatTakes(classData& owner, heldMutex const& held, scString name, bool caseSensitive) {
+fieldInfo* fieldThatTakes(classData& owner, heldMutex const& held, newName const& added, bool caseSensitive) {
     readSection const reading;
-    if (caseSensitive) return ownField(reading, owner, nameKey(name));
-    if (!owner.mHasCapitals) return ownField(reading, owner, nameKey(name.string(), false));
+    if (caseSensitive) return ownField(reading, owner, nameKey(added.name));
+    if (!owner.mHasCapitals) return ownField(reading, owner, added.lowered);
     for (fieldEntry const& entry : owner.mFieldInfos.entries(held)) {
-        if (differAtMostInCase(entry.name, name)) return entry.field;
+        if (differAtMostInCase(entry.name, added.name)) return entry.field;
     }
     return nullptr;
 }
 
 // There must be room.
-void stage(classData& owner, heldMutex const& held, refPtr<fieldInfo> const& added) noexcept {
-    scString const name = added->scName();
-    owner.mHasCapitals = owner.mHasCapitals || !isOwnLowerCase(name);
-    owner.mFieldInfos.stage(held, {name, added.get()});
+void stage(classData& owner, heldMutex const& held, refPtr<fieldInfo> const& added, newName const& name) noexcept {
+    owner.mHasCapitals = owner.mHasCapitals || !name.lowered.isTextOf(name.name);
+    owner.mFieldFilter.fetch_or(filterBit(nameKey(name.name)), std::memory_order_release);
+    owner.mFieldInfos.stage(held, {name.name, added.get()});
 }
 
 } // namespace
@@ -60,41 +71,43 @@ fieldInfo* findField(readSection const& reading, classData const& owner, std::ws
     if (fieldInfo* const own = ownField(reading, owner, asked)) return own;
     if (!searchBaseClasses) return nullptr;
     fieldInfo* found = nullptr;
-    auto const isIn = [&](classTable::related const& base) {
-        found = ownField(reading, classData::of(*base.named.second), asked);
+    auto const isIn = [&](classData const* base) {
+        found = ownField(reading, checked(base), asked);
         return found != nullptr;
     };
     // KEEP CF-07: the flags change places on the way up, so that the bases' own bases are searched only when
     // aliases were asked for.
     if (searchAliases) {
         baseSearch(withinSection{reading}).any(owner, isIn);
-    } else if (classTable const* const bases = owner.mBaseClasses.peek(reading)) {
-        static_cast<void>(std::any_of(bases->begin(), bases->end(), isIn));
+    } else {
+        anyDirectBase(reading, owner, isIn);
     }
     return found;
 }
 
 refPtr<fieldInfo> addField(classData& owner, heldMutex const& held, refPtr<fieldInfo> const& added,
                            bool caseSensitive) {
-    if (fieldInfo* const taken = fieldThatTakes(owner, held, added->scName(), caseSensitive)) return taken;
+    newName const name(added);
+    if (fieldInfo* const taken = fieldThatTakes(owner, held, name, caseSensitive)) return taken;
     owner.mFieldInfos.reserve(held, 1);
-    stage(owner, held, added);
+    stage(owner, held, added, name);
     owner.mFieldInfos.commit(held);
     return nullptr;
 }
 
-bool isTaken(classData& owner, heldMutex const& held, scString name, std::vector<refPtr<fieldInfo>> const& coming) {
+bool isTaken(classData& owner, heldMutex const& held, refPtr<fieldInfo> const& added,
+             std::vector<refPtr<fieldInfo>> const& coming) {
+    newName const name(added);
     if (fieldThatTakes(owner, held, name, false)) return true;
-    return std::any_of(coming.begin(), coming.end(), [name](refPtr<fieldInfo> const& other) {
-        return differAtMostInCase(other->scName(), name);
-    });
+    return std::any_of(coming.begin(), coming.end(),
+                       [&](refPtr<fieldInfo> const& other) { return differAtMostInCase(other->scName(), name.name); });
 }
 
 void addFields(classData& owner, heldMutex const& held, std::vector<refPtr<fieldInfo>> const& added) {
     if (added.empty()) return;
     owner.mFieldInfos.reserve(held, added.size());
     for (auto const& field : added)
-        stage(owner, held, field);
+        stage(owner, held, field, newName(field));
     owner.mFieldInfos.commit(held);
 }
 

@@ -16,11 +16,11 @@ fieldInfo* findField(readSection const& reading, classData const& owner, std::ws
 
 // Adds the field, unless its name is taken: by the same one, or, unless letter case matters, by one that differs in
 // letter case alone. Answers the field that takes it, or null. Throws std::bad_alloc, and nothing has changed.
-refPtr<fieldInfo> addField(classData& owner, heldMutex const& held, refPtr<fieldInfo> const& added,
-                           bool caseSensitive);
+refPtr<fieldInfo> addField(classData& owner, heldMutex const& held, refPtr<fieldInfo> const& added, bool caseSensitive);
 
-// Whether a field of the class, or one of `coming`, takes the name, letter case apart.
-bool isTaken(classData& owner, heldMutex const& held, scString name, std::vector<refPtr<fieldInfo>> const& coming);
+// Whether a field of the class, or one of `coming`, takes the name of the field, letter case apart.
+bool isTaken(classData& owner, heldMutex const& held, refPtr<fieldInfo> const& added,
+             std::vector<refPtr<fieldInfo>> const& coming);
 
 // Adds fields whose names are not taken; readers see all of them at once. Throws std::bad_alloc, and nothing has
 // changed.
