@@ -13,6 +13,7 @@
 // Fails: as each member says; a failed check reports and throws false (zovAssert.h).
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -269,7 +270,16 @@ private:
     metamodel::classInfo* detachOwner() noexcept;
     ZOV_METAMODEL_LOCAL void releaseInfo();
 
-    std::unique_ptr<fieldData> mData;
+    // The record lies behind the field, in the same piece of memory.
+    struct endRecord {
+        void operator()(fieldData* record) const noexcept;
+    };
+    static void* operator new(std::size_t size);
+    static void operator delete(void* storage) noexcept;
+    template <class... Arguments>
+    fieldData* makeRecord(Arguments&&... arguments);
+
+    std::unique_ptr<fieldData, endRecord> const mData;
 };
 
 } // namespace zov::metamodel

@@ -1,6 +1,8 @@
 #include "zovMdlFieldInfo.h"
 
 #include <mutex>
+#include <new>
+#include <utility>
 
 #include "base/cowSlot.h"
 #include "base/flags.h"
@@ -30,15 +32,30 @@ constexpr wchar_t const* createdLine = L"fieldInfo created: \"%s\"";
 
 // ---- life
 
+void* fieldInfo::operator new(std::size_t size) {
+    static_assert(sizeof(fieldInfo) % alignof(fieldData) == 0);
+    return ::operator new(size + sizeof(fieldData));
+}
+void fieldInfo::operator delete(void* storage) noexcept {
+    ::operator delete(storage);
+}
+
+template <class... Arguments>
+fieldData* fieldInfo::makeRecord(Arguments&&... arguments) {
+    return ::new (this + 1) fieldData(std::forward<Arguments>(arguments)...);
+}
+void fieldInfo::endRecord::operator()(fieldData* record) const noexcept {
+    record->~fieldData();
+}
+
 fieldInfo::fieldInfo(refPtr<metamodel::classInfo> const& owner, scString name, eFieldType type,
                      genericSet const& typeAttribs, string const& customTypeString)
-    : mData(std::make_unique<fieldData>(owner, nullptr, name, type, scString::createFrom(customTypeString),
-                                        typeAttribs)) {
+    : mData(makeRecord(owner, nullptr, name, type, scString::createFrom(customTypeString), typeAttribs)) {
     writeLifeLine({createdLevel, createdBy, sources::fieldInfo, 119}, createdLine, label());
 }
 
 fieldInfo::fieldInfo(refPtr<metamodel::classInfo> const& owner, refPtr<fieldInfo> const& baseField)
-    : mData(std::make_unique<fieldData>(owner, baseField, scString(), baseField->type(), scString(), genericSet())) {
+    : mData(makeRecord(owner, baseField, scString(), baseField->type(), scString(), genericSet())) {
     writeLifeLine({createdLevel, createdBy, sources::fieldInfo, 129}, createdLine, label());
 }
 
