@@ -23,24 +23,13 @@ struct flatClass {
     std::deque<plainField> mFields; // which stay where they are
 };
 
-class flatStore {
+class flatStore : public plainNames {
 public:
-    using text = std::wstring;
-    using qualifiedText = std::wstring;
     using classHandle = flatClass*;
     using fieldHandle = plainField const*;
     static constexpr bool isReadableBesideWriter = false;
 
-    explicit flatStore(workload const& load) {
-        for (auto const& name : load.fieldNames())
-            mFieldNames.push_back(wide(name));
-    }
-
-    static text classNameOf(std::string const& name) { return wide(name); }
-    static text fieldNameOf(std::string const& name) { return wide(name); }
-    static qualifiedText qualifiedNameOf(std::string const& className, std::string const& fieldName) {
-        return wide(className + "." + fieldName);
-    }
+    using plainNames::plainNames;
 
     classHandle addClass(classPlan const& plan, classHandle const* base) {
         auto& made = mOwned.emplace_back();
@@ -89,7 +78,6 @@ public:
 private:
     static std::uint64_t scopeOf(flatClass const* asked) { return reinterpret_cast<std::uintptr_t>(asked); }
 
-    std::vector<std::wstring> mFieldNames;
     std::deque<flatClass> mOwned;
     flatTable mClasses;
     flatTable mFields;

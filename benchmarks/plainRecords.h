@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <string>
 #include <variant>
+#include <vector>
 
 #include "workload.h"
 
@@ -25,6 +26,27 @@ struct plainField {
 inline std::wstring wide(std::string const& text) {
     return {text.begin(), text.end()};
 }
+
+// The names of a workload as both baselines hold them.
+class plainNames {
+public:
+    using text = std::wstring;
+    using qualifiedText = std::wstring;
+
+    explicit plainNames(workload const& load) {
+        for (auto const& name : load.fieldNames())
+            mFieldNames.push_back(wide(name));
+    }
+
+    static text classNameOf(std::string const& name) { return wide(name); }
+    static text fieldNameOf(std::string const& name) { return wide(name); }
+    static qualifiedText qualifiedNameOf(std::string const& className, std::string const& fieldName) {
+        return wide(className + "." + fieldName);
+    }
+
+protected:
+    std::vector<text> mFieldNames;
+};
 
 inline plainValue plainDefault(fieldPlan const& plan) {
     if (!plan.mHasDefault) return {};

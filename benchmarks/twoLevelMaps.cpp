@@ -30,24 +30,13 @@ struct mappedClass {
     nameMap<plainField> mFields;
 };
 
-class twoLevelStore {
+class twoLevelStore : public plainNames {
 public:
-    using text = std::wstring;
-    using qualifiedText = std::wstring;
     using classHandle = mappedClass*;
     using fieldHandle = plainField const*;
     static constexpr bool isReadableBesideWriter = false;
 
-    explicit twoLevelStore(workload const& load) {
-        for (auto const& name : load.fieldNames())
-            mFieldNames.push_back(wide(name));
-    }
-
-    static text classNameOf(std::string const& name) { return wide(name); }
-    static text fieldNameOf(std::string const& name) { return wide(name); }
-    static qualifiedText qualifiedNameOf(std::string const& className, std::string const& fieldName) {
-        return wide(className + "." + fieldName);
-    }
+    using plainNames::plainNames;
 
     classHandle addClass(classPlan const& plan, classHandle const* base) {
         auto& made = mClasses[wide(plan.mName)];
@@ -98,7 +87,6 @@ private:
         return at == map.end() ? nullptr : &at->second;
     }
 
-    std::vector<std::wstring> mFieldNames;
     nameMap<mappedClass> mClasses;
 };
 

@@ -68,6 +68,9 @@ function(zov_add_library name)
     # A library's own calls lead to its own functions, whatever else the process has loaded. Data stays shared: type
     # information and the statics of inline functions are one in the process.
     target_compile_options(${name}Objects PRIVATE -fno-semantic-interposition)
-    target_link_options(${name} PRIVATE -Wl,-Bsymbolic-functions $<$<NOT:$<BOOL:${ZOV_SANITIZE}>>:-Wl,--no-undefined>)
+    target_link_options(${name} PRIVATE -Wl,-Bsymbolic-functions)
+    if(NOT ZOV_SANITIZE)
+      target_link_options(${name} PRIVATE -Wl,--no-undefined)
+    endif()
   endif()
 endfunction()

@@ -15,6 +15,7 @@
 namespace zov::metamodel {
 namespace {
 
+using tests::addIntField;
 using tests::classesOf;
 using tests::events;
 using tests::fieldsOf;
@@ -29,10 +30,6 @@ using zov::tests::node;
 
 using fields = std::vector<refPtr<fieldInfo>>;
 using classes = std::vector<refPtr<classInfo>>;
-
-refPtr<fieldInfo> addField(refPtr<classInfo> const& owner, string const& name) {
-    return owner->createFieldInfo(name, eInt, genericSet(), L"");
-}
 
 // Objects that are held by `held`, and by as many others.
 template <class Objects>
@@ -67,8 +64,8 @@ TEST(countsAtRest, areOneForEachFieldAfterEachAddition) {
     auto const part = model->createClassInfo(L"part");
     fields made;
     for (auto const& name : numberedNames(L"field", 130)) {
-        made.push_back(addField(part, name));
-        addField(part, name);
+        made.push_back(addIntField(part, name));
+        addIntField(part, name);
         expectHeld(made, 1);
         ASSERT_EQ(part->refCount(), 2 + made.size());
     }
@@ -132,8 +129,8 @@ TEST(countsAtRest, areOneForEachListOfRelationsAfterEachAddition) {
     relations made;
     relations toOwn;
     for (auto const& name : numberedNames(L"field", 100)) {
-        from.push_back(addField(order, name));
-        to.push_back(addField(customer, name));
+        from.push_back(addIntField(order, name));
+        to.push_back(addIntField(customer, name));
         made.push_back(order->createRelation(name, false, to.back(), eAgg, L"", L""));
         order->createRelation(name, false, to.back(), eAgg, L"", L"");
         toOwn.push_back(customer->createRelation(name, false, to.front(), eRef, numbered(L"own", made.size()), L""));
@@ -158,8 +155,8 @@ TEST(countsAtRest, areOneForEachListOfRelationsAfterEachAddition) {
 TEST(countsAtRest, areOneForEachPairOfARelation) {
     ownModel const model;
     auto const order = model->createClassInfo(L"order");
-    auto const from = addField(order, L"from");
-    auto const to = addField(order, L"to");
+    auto const from = addIntField(order, L"from");
+    auto const to = addIntField(order, L"to");
     auto const relation = order->createRelation(L"from", false, to, eAgg, L"", L"");
     for (std::uint32_t pairs = 1; pairs <= 100; ++pairs) {
         ASSERT_EQ(from->refCount(), 2 + pairs);
@@ -180,11 +177,11 @@ TEST(countsAtRest, areTheHostsAloneForClassesThatWereReplacedInsideAccept) {
         current.push_back(model->createClassInfo(name, [&](refPtr<classInfo> const& offered) {
             replaced.push_back(model->createClassInfo(name, [&](refPtr<classInfo> const& inner) {
                 inner->addAliasname(L"alias of " + name);
-                return !!addField(inner, L"width");
+                return !!addIntField(inner, L"width");
             }));
             EXPECT_EQ(replaced.back()->refCount(), 3u);
             EXPECT_EQ(model->classInfo(L"alias of " + name, true), replaced.back());
-            return !!addField(offered, L"width");
+            return !!addIntField(offered, L"width");
         }));
         ASSERT_EQ(model->classInfo(L"alias of " + name, true), nullptr);
         ASSERT_EQ(model->countClasses(), current.size());
@@ -236,9 +233,9 @@ TEST(countsAtRest, areOneForEachCopiedField) {
         ownClass const from(L"from");
         ownClass const to(L"to");
         for (std::size_t at = 0; at < count; ++at)
-            addField(from, numbered(L"field", at));
+            addIntField(from, numbered(L"field", at));
         for (std::size_t at = 0; at < count; at += 2)
-            addField(to, numbered(L"field", at));
+            addIntField(to, numbered(L"field", at));
         for (int times = 0; times < 3; ++times)
             ASSERT_TRUE(to->copyInfosFrom(from.pointer(), nullptr));
         ASSERT_TRUE(to->copyInfosFrom(from.pointer(), L"p"));
@@ -262,7 +259,7 @@ TEST(countsAtRest, areNotChangedByReading) {
         made->addBaseClass(base);
         made->addAliasname(L"alias of " + name);
         for (auto const& field : numberedNames(L"field", 20))
-            made->createRelation(addField(made, field)->scName().string(), false, base, eRef, L"", L"");
+            made->createRelation(addIntField(made, field)->scName().string(), false, base, eRef, L"", L"");
     }
     auto const all = classesOf(*model.pointer());
     std::vector<std::uint32_t> before;
@@ -293,7 +290,7 @@ TEST(countsAtRest, areTheHostsAloneAfterWalksThatOutlivedATearDown) {
     for (auto const& name : numberedNames(L"class", 30)) {
         held.push_back(model->createClassInfo(name));
         for (auto const& field : numberedNames(L"field", 10))
-            heldFields.push_back(addField(held.back(), field));
+            heldFields.push_back(addIntField(held.back(), field));
     }
     model->forEachClassInfo(
         [&](classInfo::entry const& entry) {
@@ -319,7 +316,7 @@ TEST(countsAtRest, areTheHostsAloneForClassesThatAcceptLeftByAnException) {
         auto const fill = [&](refPtr<classInfo> const& offered) -> bool {
             refused.push_back(offered);
             for (std::size_t at = 0; at < count; ++at)
-                ofRefused.push_back(addField(offered, numbered(L"field", at)));
+                ofRefused.push_back(addIntField(offered, numbered(L"field", at)));
             if (count % 2) throw std::runtime_error("the host's own");
             return false;
         };
@@ -345,7 +342,7 @@ TEST(countsAtRest, areNoneForObjectsThatHostsGaveToWhatIsTornDown) {
             auto const made = model->createClassInfo(name);
             made->setUserProperty(L"object", refPtr<refObj>(new node(++number, ended)), true);
             for (auto const& field : numberedNames(L"field", 10))
-                addField(made, field)->setUserProperty(L"object", refPtr<refObj>(new node(++number, ended)), false);
+                addIntField(made, field)->setUserProperty(L"object", refPtr<refObj>(new node(++number, ended)), false);
             made->copyInfosFrom(made, L"p");
         }
         EXPECT_EQ(zov::tests::objectsAlive, before + 440);

@@ -17,6 +17,7 @@
 namespace zov::metamodel {
 namespace {
 
+using tests::addIntField;
 using tests::arriving;
 using tests::capitals;
 using tests::classesOf;
@@ -34,10 +35,6 @@ using zov::tests::throwsFalse;
 
 using fields = std::vector<refPtr<fieldInfo>>;
 using classes = std::vector<refPtr<classInfo>>;
-
-refPtr<fieldInfo> addField(refPtr<classInfo> const& owner, string const& name) {
-    return owner->createFieldInfo(name, eInt, genericSet(), L"");
-}
 
 // The position at which each of the names is found, or -1 for those that are not.
 template <class Made, class Find>
@@ -70,8 +67,8 @@ TEST_P(growingFields, areFoundWalkedAndCountedAfterEachAddition) {
                     [&](string const& name) { return part->fieldInfo(name, true, true); });
         expectFound(ofAnother, fields(), [&](string const& name) { return part->fieldInfo(name, true, true); });
         if (count == most) break;
-        addField(other, ofAnother[count]);
-        made.push_back(addField(part, given[count]));
+        addIntField(other, ofAnother[count]);
+        made.push_back(addIntField(part, given[count]));
         ASSERT_EQ(made.back()->scName().string(), given[count]);
     }
 }
@@ -85,9 +82,9 @@ TEST_P(growingFields, areReturnedWhenTheyAreCreatedAgainAtAnyCount) {
     auto const again = GetParam() ? given : capitals(given);
     fields made;
     for (auto const& name : given) {
-        made.push_back(addField(part, name));
+        made.push_back(addIntField(part, name));
         for (std::size_t at = 0; at < made.size(); ++at)
-            ASSERT_EQ(addField(part, again[at]), made[at]);
+            ASSERT_EQ(addIntField(part, again[at]), made[at]);
         ASSERT_EQ(part->countFields(), made.size());
     }
 }
@@ -105,7 +102,7 @@ TEST(growingFieldsByCase, keepAllSpellingsOfANameWhereLetterCaseMatters) {
         spellings.push_back(spelling);
     }
     for (auto const& spelling : spellings) {
-        made.push_back(addField(part, spelling));
+        made.push_back(addIntField(part, spelling));
         expectFound(spellings, made, [&](string const& name) { return part->fieldInfo(name, false, false); });
     }
     ownClass const whole(L"whole");
@@ -125,7 +122,7 @@ TEST(growingFieldsOfBases, areFoundThroughTheClassThatStandsForEachOfThem) {
     fields bases;
     fields standing;
     for (std::size_t at = 0; at < given.size(); ++at) {
-        bases.push_back(addField(base, given[at]));
+        bases.push_back(addIntField(base, given[at]));
         expectFound(given, bases, [&](string const& name) {
             auto const found = part->fieldInfo(name, true, false);
             return found && found->baseField() ? found->baseField() : found;
@@ -145,10 +142,10 @@ TEST(growingFieldsByCopies, appearInOrderWhateverIsThereAlready) {
         ownClass const from(L"from");
         ownClass const to(L"to");
         for (std::size_t at = 0; at < count; ++at)
-            addField(from, given[at]);
+            addIntField(from, given[at]);
         fields expected;
         for (std::size_t at = 0; at < count; at += 3)
-            expected.push_back(addField(to, capitals(given[at])));
+            expected.push_back(addIntField(to, capitals(given[at])));
         ASSERT_TRUE(to->copyInfosFrom(from, nullptr));
         ASSERT_TRUE(to->copyInfosFrom(from, nullptr));
         ASSERT_TRUE(to->copyInfosFrom(from, L"p_"));
@@ -169,14 +166,14 @@ TEST(growingFieldsByCopies, takeTheirLettersAtAnyCountThoughNobodyFindsThem) {
     ownClass const to(L"to");
     auto const given = numberedNames(L"field", 100);
     for (std::size_t at = 0; at < given.size(); ++at) {
-        auto const field = addField(from, given[at]);
+        auto const field = addIntField(from, given[at]);
         ASSERT_TRUE(throwsFalse([&] { to->copyFieldInfoFrom(field, L"P"); }));
         ASSERT_EQ(to->countFields(), at + 1);
         ASSERT_EQ(to->fieldInfo(L"P" + given[at], true, true), nullptr);
         ASSERT_EQ(to->fieldInfo(L"p" + given[at], true, true), nullptr);
     }
     for (auto const& name : given) {
-        ASSERT_TRUE(throwsFalse([&] { addField(to, L"p" + name); }));
+        ASSERT_TRUE(throwsFalse([&] { addIntField(to, L"p" + name); }));
         ASSERT_TRUE(throwsFalse([&] { to->copyFieldInfoFrom(from->fieldInfo(name, false, false), L"p"); }));
     }
     EXPECT_TRUE(to->copyInfosFrom(from, L"p"));
@@ -190,7 +187,7 @@ TEST(growingFieldsToMany, leavesTenThousandOfAClassInReach) {
     ownClass const part(L"part");
     auto const given = numberedNames(L"field", many);
     for (auto const& name : given)
-        addField(part, name);
+        addIntField(part, name);
     EXPECT_EQ(part->countFields(), many);
     auto const made = fieldsOf(part);
     ASSERT_EQ(made.size(), many);
@@ -202,7 +199,7 @@ TEST(growingFieldsToMany, leavesTenThousandOfAClassInReach) {
     part->tearDown();
     EXPECT_EQ(part->countFields(), 0u);
     EXPECT_EQ(part->fieldInfo(given[0], true, true), nullptr);
-    EXPECT_EQ(addField(part, given[5])->scName().string(), given[5]);
+    EXPECT_EQ(addIntField(part, given[5])->scName().string(), given[5]);
     EXPECT_EQ(part->countFields(), 1u);
 }
 
@@ -213,12 +210,12 @@ TEST(growingFieldsAnew, areThoseOfTheSecondFillingAlone) {
     for (std::size_t count = 0; count <= given.size(); ++count) {
         fields former;
         for (std::size_t at = 0; at < count; ++at)
-            former.push_back(addField(part, given[at]));
+            former.push_back(addIntField(part, given[at]));
         part->tearDown();
         expectFound(given, fields(), [&](string const& name) { return part->fieldInfo(name, true, true); });
         fields made;
         for (std::size_t at = 0; at < count / 2; ++at)
-            made.push_back(addField(part, given[at]));
+            made.push_back(addIntField(part, given[at]));
         expectFound(given, made, [&](string const& name) { return part->fieldInfo(name, true, true); });
         ASSERT_EQ(fieldsOf(part), made);
         for (auto const& field : former)
@@ -429,8 +426,8 @@ class growingRelations : public testing::Test {
 protected:
     growingRelations() {
         for (std::size_t at = 0; at < mFromNames.size(); ++at) {
-            addField(mOrder, mFromNames[at]);
-            mTargets.push_back(addField(mCustomer, mToNames[at]));
+            addIntField(mOrder, mFromNames[at]);
+            mTargets.push_back(addIntField(mCustomer, mToNames[at]));
         }
     }
 
@@ -535,13 +532,13 @@ TEST_F(growingRelations, areThoseOfTheSecondFillingAloneAfterATearDown) {
     for (std::size_t count : {1u, 2u, 7u, 64u, 65u, 150u}) {
         ownClass const order(L"order");
         for (std::size_t at = 0; at < count; ++at) {
-            addField(order, mFromNames[at]);
+            addIntField(order, mFromNames[at]);
             order->createRelation(mFromNames[at], false, mTargets[at], eRef, L"", L"");
         }
         order->tearDown();
         ASSERT_TRUE(leaving(order).empty());
         ASSERT_EQ(order->toRelation(mFromNames[0], true), nullptr);
-        addField(order, mFromNames[0]);
+        addIntField(order, mFromNames[0]);
         auto const anew = order->createRelation(mFromNames[0], false, mTargets[0], eRef, L"", L"");
         ASSERT_EQ(leaving(order), relations{anew});
         ASSERT_EQ(arriving(mCustomer).back(), anew);
@@ -557,14 +554,14 @@ TEST(walksThatAdd, seeTheFieldsThatWereThereWhenTheyBegan) {
     for (std::size_t count = 0; count <= 40; ++count) {
         ownClass const part(L"part");
         for (std::size_t at = 0; at < count; ++at)
-            addField(part, numbered(L"field", at));
+            addIntField(part, numbered(L"field", at));
         auto const before = fieldsOf(part);
         fields visited;
         EXPECT_TRUE(part->forEachFieldInfo(
             [&](refPtr<fieldInfo> const& field) {
                 visited.push_back(field);
                 for (std::size_t more = 0; more < count; ++more)
-                    addField(part, numbered(L"more", visited.size() * 100 + more));
+                    addIntField(part, numbered(L"more", visited.size() * 100 + more));
                 EXPECT_EQ(part->countFields(), count + visited.size() * count);
                 return true;
             },
@@ -580,7 +577,7 @@ TEST(walksThatAdd, seeTheFieldsThatWereThereWhenTheyBegan) {
 TEST(walksThatAdd, seeOnlyTheirOwnFieldsWhenTheClassIsCopiedOntoItself) {
     ownClass const part(L"part");
     for (std::size_t at = 0; at < 10; ++at)
-        addField(part, numbered(L"field", at));
+        addIntField(part, numbered(L"field", at));
     std::size_t visits = 0;
     part->forEachFieldInfo(
         [&](refPtr<fieldInfo> const& field) {
@@ -701,7 +698,7 @@ TEST_F(growingRelations, leaveWalksThePairsThatWereThereWhenTheyBegan) {
 TEST(walksInsideWalks, seeWhatWasThereWhenEachOfThemBegan) {
     ownModel const model;
     for (auto const& name : numberedNames(L"class", 5))
-        model->createClassInfo(name, [](refPtr<classInfo> const& offered) { return !!addField(offered, L"a"); });
+        model->createClassInfo(name, [](refPtr<classInfo> const& offered) { return !!addIntField(offered, L"a"); });
     std::size_t outer = 0;
     std::size_t middle = 0;
     std::size_t inner = 0;
@@ -710,11 +707,11 @@ TEST(walksInsideWalks, seeWhatWasThereWhenEachOfThemBegan) {
             model->createClassInfo(numbered(L"outer", ++outer));
             return model->forEachClassInfo(
                 [&](classInfo::entry const&) {
-                    addField(entry.second, numbered(L"b", ++middle));
+                    addIntField(entry.second, numbered(L"b", ++middle));
                     return entry.second->forEachFieldInfo(
                         [&](refPtr<fieldInfo> const& field) {
                             EXPECT_EQ(field->classInfo(), entry.second);
-                            addField(entry.second, numbered(L"c", ++inner));
+                            addIntField(entry.second, numbered(L"c", ++inner));
                             return true;
                         },
                         true);
@@ -741,14 +738,14 @@ TEST(walksThatTearDown, goOnToTheEndWithTheFieldsThatWereThere) {
         for (std::size_t const when : {std::size_t{0}, count / 2, count - 1}) {
             ownClass const part(L"part");
             for (std::size_t at = 0; at < count; ++at)
-                addField(part, given[at]);
+                addIntField(part, given[at]);
             std::size_t visits = 0;
             EXPECT_TRUE(part->forEachFieldInfo(
                 [&](refPtr<fieldInfo> const& field) {
                     if (visits == when) part->tearDown();
                     EXPECT_EQ(field->scName().string(), given[visits]);
                     EXPECT_EQ(field->classInfo(), visits < when ? part.pointer() : nullptr);
-                    if (visits > when) addField(part, numbered(L"new", visits));
+                    if (visits > when) addIntField(part, numbered(L"new", visits));
                     EXPECT_EQ(part->countFields(), visits < when ? count : visits - when);
                     return ++visits > 0;
                 },
@@ -765,7 +762,7 @@ TEST(walksThatTearDown, goOnToTheEndWithTheClassesThatWereThere) {
         for (std::size_t const when : {std::size_t{0}, count / 2, count - 1}) {
             ownModel const model;
             for (auto const& name : numberedNames(L"class", count))
-                addField(model->createClassInfo(name), L"a");
+                addIntField(model->createClassInfo(name), L"a");
             std::size_t visits = 0;
             model->forEachClassInfo(
                 [&](classInfo::entry const& entry) {
@@ -808,7 +805,7 @@ TEST(walksInsideWalks, letEverythingGoWhenTheInnermostTearsDown) {
         for (auto const& name : numberedNames(L"class", 10))
             model->createClassInfo(name, [](refPtr<classInfo> const& offered) {
                 for (std::size_t at = 0; at < 10; ++at)
-                    addField(offered, numbered(L"field", at));
+                    addIntField(offered, numbered(L"field", at));
                 return true;
             });
         std::size_t visits = 0;

@@ -41,6 +41,10 @@ inline names capitals(names list) {
     return list;
 }
 
+inline refPtr<fieldInfo> addIntField(refPtr<classInfo> const& owner, string const& name) {
+    return owner->createFieldInfo(name, eInt, genericSet(), L"");
+}
+
 // What a class's walk over its fields visits, in order.
 inline std::vector<refPtr<fieldInfo>> fieldsOf(refPtr<classInfo> const& owner) {
     std::vector<refPtr<fieldInfo>> found;
