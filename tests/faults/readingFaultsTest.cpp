@@ -240,19 +240,19 @@ protected:
 
 INSTANTIATE_TEST_SUITE_P(ofAnySize, readWithoutMemory, testing::Values(1, 2, 6, 7, 13, 40));
 
-// behaviour: AF-15, AF-16, AF-19, CR-18, MR-14
+// behaviour: AF-15, AF-16, AF-19, AF-20, CR-18, MR-14
 TEST_P(readWithoutMemory, findsMissesAndWalks) {
     withoutMemory([&](silentChecks& checks) { read(checks); });
 }
 
-// behaviour: AF-15, AF-16, CR-18, MR-14
+// behaviour: AF-15, AF-16, AF-20, CR-18, MR-14
 TEST_P(readWithoutMemory, isTheFirstThingThatAThreadDoes) {
     for (int times = 0; times < 3; ++times)
         std::thread([&] { withoutMemory([&](silentChecks& checks) { read(checks); }); }).join();
 }
 
 // More threads than any table of readers can have had room for at first, all of them new.
-// behaviour: AF-16, MR-14
+// behaviour: AF-16, AF-20, MR-14
 TEST_P(readWithoutMemory, isTheFirstThingThatManyThreadsDoAtOnce) {
     std::vector<std::thread> threads;
     for (int at = 0; at < 80; ++at) {
@@ -338,7 +338,7 @@ private:
     refPtr<classInfo> const mBottom = mModel->createClassInfo(L"bottom");
 };
 
-// behaviour: AF-16, CI-08, CR-18, UP-16
+// behaviour: AF-16, AF-20, CI-08, CR-18, UP-16
 TEST(latticesWithoutMemory, areSearchedWhole) {
     for (int const depth : {1, 2, 3, 7})
         latticeWithoutMemory(depth).expectSearched();
@@ -348,13 +348,13 @@ TEST(latticesWithoutMemory, areSearchedWhole) {
 }
 
 // There are 3 to the 40th ways to the top: a search remembers where it has been, and needs no memory for it either.
-// behaviour: AF-16, CI-08, CR-18, UP-16
+// behaviour: AF-16, AF-20, CI-08, CI-13, CR-18, UP-16
 TEST(deepLatticesWithoutMemory, areSearchedInNoTime) {
     latticeWithoutMemory const deep(40);
     deep.expectSearched();
 }
 
-// behaviour: AF-16, CI-08
+// behaviour: AF-16, AF-20, CI-08, CI-13
 TEST(deepLatticesWithoutMemory, areSearchedInNoTimeAsTheFirstThingThatAThreadDoes) {
     latticeWithoutMemory const deep(40);
     std::thread([&] { deep.expectSearched(); }).join();

@@ -402,6 +402,7 @@ TEST(setFaults, ofEachCellLeaveTheSets) {
     EXPECT_EQ(failEachCell([&] { genericSet const copy(source); }, asBefore), 8);
 }
 
+// behaviour: GV-32
 TEST(valueCosts, makingAndCopyingTakesTwoTripsToTheAllocatorAtMost) {
     struct large {
         char bytes[100];

@@ -106,14 +106,14 @@ TEST(lattices, ofManyClassesSideBySideOrInARowAreSearchedWhole) {
 }
 
 // A search that went every way would not come back: there are 2 to the 40th of them and more.
-// behaviour: CI-08, CF-07, CR-11, UP-03
+// behaviour: CI-08, CI-13, CF-07, CR-11, UP-03
 TEST(deepLattices, areSearchedInNoTimeByFieldsRelationsAndProperties) {
     expectAllAnswers(2, 40);
     expectAllAnswers(3, 40);
     expectAllAnswers(20, 20);
 }
 
-// behaviour: CI-04, CI-08
+// behaviour: CI-04, CI-08, CI-13
 TEST(deepLattices, tellInNoTimeWhatIsNoBase) {
     for (std::size_t width : {2u, 3u}) {
         lattice const all(width, 40);
@@ -125,7 +125,7 @@ TEST(deepLattices, tellInNoTimeWhatIsNoBase) {
     }
 }
 
-// behaviour: CF-10, CI-08
+// behaviour: CF-10, CI-08, CI-13
 TEST(deepLattices, haveStandingFieldsCreatedAndRefusedInNoTime) {
     lattice const all(3, 40);
     auto const standing = all.mBottom->createFieldInfo(all.mTop, L"at the top");

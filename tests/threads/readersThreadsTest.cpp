@@ -169,12 +169,12 @@ TEST_F(readersThatNeverWait, lookUpWhileSeveralThreadsAreInsideAcceptOrWaitForIt
     EXPECT_EQ(mModel->countClasses(), 35u);
 }
 
-// behaviour: TH-04
+// behaviour: TH-04, TH-16
 TEST_F(readersThatNeverWait, lookUpWhileAnotherThreadHoldsTheSharedPtrLocker) {
     expectLookupsWhileThisThreadHolds<zov::sharedPtrLocker>();
 }
 
-// behaviour: TH-04
+// behaviour: TH-04, TH-16
 TEST_F(readersThatNeverWait, lookUpWhileAnotherThreadHoldsTheReferencePtrLocker) {
     expectLookupsWhileThisThreadHolds<zov::referencePtrLocker>();
 }
@@ -257,7 +257,7 @@ protected:
     }
 };
 
-// behaviour: TH-04, TH-06
+// behaviour: TH-04, TH-06, TH-17
 TEST_F(writersBesideOpenWalks, createFields) {
     int made = 0;
     expectDoneInsideEachWalk([&] {
@@ -267,7 +267,7 @@ TEST_F(writersBesideOpenWalks, createFields) {
     EXPECT_EQ(mPart->countFields(), 31u + 350);
 }
 
-// behaviour: TH-04
+// behaviour: TH-04, TH-17
 TEST_F(writersBesideOpenWalks, registerAndRefuseClasses) {
     int made = 0;
     expectDoneInsideEachWalk([&] {
@@ -277,7 +277,7 @@ TEST_F(writersBesideOpenWalks, registerAndRefuseClasses) {
     EXPECT_EQ(mModel->countClasses(), 32u + 175);
 }
 
-// behaviour: MR-13, TH-04
+// behaviour: MR-13, TH-04, TH-17
 TEST_F(writersBesideOpenWalks, replaceClasses) {
     mModel->setAddProp(L"caseSensitiveNames", L"true");
     expectDoneInsideEachWalk([&] {
@@ -287,7 +287,7 @@ TEST_F(writersBesideOpenWalks, replaceClasses) {
     EXPECT_EQ(mModel->countClasses(), 32u);
 }
 
-// behaviour: TH-08
+// behaviour: TH-08, TH-17
 TEST_F(writersBesideOpenWalks, addBasesAndRelations) {
     int made = 0;
     expectDoneInsideEachWalk([&] {
@@ -300,7 +300,7 @@ TEST_F(writersBesideOpenWalks, addBasesAndRelations) {
     EXPECT_EQ(mModel->countClasses(), 32u + 210);
 }
 
-// behaviour: TH-07
+// behaviour: TH-07, TH-17
 TEST_F(writersBesideOpenWalks, copyFields) {
     auto const copies = mModel->createClassInfo(L"copies");
     int made = 0;
@@ -308,7 +308,7 @@ TEST_F(writersBesideOpenWalks, copyFields) {
     EXPECT_EQ(copies->countFields(), 7u * 31);
 }
 
-// behaviour: TH-12, TD-03
+// behaviour: TH-12, TH-17, TD-03
 TEST_F(writersBesideOpenWalks, tearDownTheClassThatIsWalked) {
     for (auto const& [name, walk] : walks()) {
         SCOPED_TRACE(name);
@@ -334,7 +334,7 @@ TEST_F(writersBesideOpenWalks, tearDownTheClassThatIsWalked) {
 class tearDownsBesideOpenWalks : public writersBesideOpenWalks, public testing::WithParamInterface<std::size_t> {};
 INSTANTIATE_TEST_SUITE_P(ofEachKind, tearDownsBesideOpenWalks, testing::Range(std::size_t{0}, std::size_t{7}));
 
-// behaviour: TH-12, TD-03
+// behaviour: TH-12, TH-17, TD-03
 TEST_P(tearDownsBesideOpenWalks, waitForNone) {
     bool inTime = false;
     walks()[GetParam()].second([&] {

@@ -16,6 +16,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "notableTexts.h"
 #include "zovString.h"
 
 namespace zov::tests {
@@ -191,52 +192,12 @@ TEST(scStringFindLowered, foldsCodePointsOfTwoUnitsToo) {
     EXPECT_EQ(scString::findLowered(capital), name);
 }
 
-// Where a text has a unit that is none of the small letters: nowhere, at its start, in its middle, at its end.
-std::vector<std::size_t> placesIn(std::size_t length) {
-    if (length == 0) return {};
-    return {0, length / 2, length - 1};
-}
-
-// Pieces that the looked-up text and its lower-case form treat differently.
-std::vector<string> const& notablePieces() {
-    static std::vector<string> const pieces{
-        L"Q",                                        // a capital
-        L"@",                                        // in front of the capitals
-        L"[",                                        // behind them
-        string(1, L'\0'),                            // a null
-        L"\u007F",                                   // the last unit of ASCII
-        L"\u0080",                                   // the first one behind
-        L"\u00C4",                                   // Latin-1 with a lower case
-        L"\u00DF",                                   // without
-        L"\u00FF",                                   // the last unit of Latin-1
-        L"\u0100",                                   // the first one behind
-        L"\u0130",                                   // folds into ASCII
-        L"\u0178",                                   // folds into Latin-1
-        L"\u212A",                                   // folds into ASCII
-        L"\u4E2D",                                   // without a lower case
-        L"\U00010400",                               // beyond 16 bits, with one
-        L"\U0001F600",                               // without
-        string(1, wchar_t{0xD801}),                  // half of a pair
-        string(1, wchar_t{0xDC00}),                  // the other half
-        string(1, static_cast<wchar_t>(0x80000041U)) // no code point, or one beyond the unit
-    };
-    return pieces;
-}
-
 // behaviour: SC-04
 // behaviour: SC-10
 // behaviour: SC-11
 TEST(scStringFind, tellsTextsOfEveryLengthApart) {
     std::map<std::wstring, scString> known;
-    std::vector<string> texts;
-    for (std::size_t length = 0; length <= 70; ++length) {
-        string const plain(length, L'z');
-        texts.push_back(plain);
-        for (std::size_t const at : placesIn(length)) {
-            for (string const& piece : notablePieces())
-                texts.push_back(string(std::wstring(plain).replace(at, 1, piece)));
-        }
-    }
+    std::vector<string> const texts = textsOfEveryLength(L'z');
     // Only every other text is interned.
     for (std::size_t number = 0; number < texts.size(); number += 2)
         known.emplace(texts[number], scString::createFrom(texts[number]));
@@ -261,20 +222,10 @@ TEST(scStringFind, tellsTextsOfEveryLengthApart) {
 // behaviour: SC-11
 TEST(scStringFind, agreesWithAMapOfRandomTexts) {
     std::mt19937 random(20);
-    auto const below = [&random](std::size_t limit) { return static_cast<std::size_t>(random() % limit); };
-    auto const randomText = [&] {
-        string text;
-        std::size_t const pieces = below(40);
-        std::size_t const odds = 1 + below(30); // some texts have few notable pieces, some many
-        for (std::size_t piece = 0; piece < pieces; ++piece)
-            text +=
-                below(odds) == 0 ? notablePieces()[below(notablePieces().size())] : string(1, below(2) ? L'k' : L'K');
-        return text;
-    };
     std::map<std::wstring, scString> known{{L"", scString()}};
     for (int round = 0; round < 20'000; ++round) {
-        string const text = randomText();
-        if (below(3) == 0) {
+        string const text = randomNotableText(random, L'k', L'K');
+        if (random() % 3 == 0) {
             scString const name = scString::createFrom(text);
             auto const added = known.emplace(text, name);
             ASSERT_EQ(added.first->second, name);

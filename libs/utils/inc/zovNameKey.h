@@ -7,6 +7,10 @@
 //
 // A table that is asked so need not find the handle of the text first. Nothing is interned or allocated.
 //
+// A text of at most 31 units, all below 256 once they are folded, is known by its key whenever its name is interned.
+// Of any other text a key knows no more than the name that there was when the key was made: if there was none, it is
+// nobody's key for good, also once that text is interned. So make a key for a question, and ask with it at once.
+//
 // Threads: a value; any thread may call anything. Fails: never.
 #pragma once
 
@@ -29,10 +33,11 @@ public:
     // The key under which a name is filed.
     explicit nameKey(scString name) noexcept;
 
-    // Equal for equal texts; well spread over all 64 bits. Differs between processes and platforms.
+    // Equal for equal texts; well spread over all bits but the highest, which tells few texts apart. May differ between
+    // processes and platforms.
     std::uint64_t hash() const noexcept { return mHash; }
 
-    // Whether this is the key of exactly the text of `name`.
+    // Whether this is the key of exactly the text of `name`, as far as it was known (see above).
     bool isTextOf(scString name) const noexcept;
 
 private:
