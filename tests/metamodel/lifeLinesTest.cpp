@@ -494,5 +494,24 @@ TEST(lifeLines, goToAHostsOwnLoggersWhateverTheLevel) {
     EXPECT_EQ(asked, (std::set<std::string>{modelMade, modelEnded, classMade, classEnded, fieldMade, fieldEnded}));
 }
 
+// behaviour: LL-14
+TEST(lifeLines, baseClassesThatNobodyElseHoldsEndFromTheLastHandleOn) {
+    auto derived = classInfo::createClassInfo(L"derived");
+    std::vector<std::pair<scString, std::string>> byHandle;
+    for (wchar_t const* const name : {L"base c", L"base a", L"base d", L"base b"}) {
+        auto const base = classInfo::createClassInfo(name);
+        base->setLabel(name);
+        derived->addBaseClass(base);
+        byHandle.emplace_back(base->scName(), string(name).toUtf8());
+    }
+    std::sort(byHandle.rbegin(), byHandle.rend());
+    events expected{"trace classInfo released: \"\""};
+    for (auto const& [handle, label] : byHandle)
+        expected.push_back("trace classInfo released: \"" + label + "\"");
+    eventLog log;
+    derived.reset();
+    EXPECT_EQ(log.take(), expected);
+}
+
 } // namespace
 } // namespace zov::metamodel

@@ -499,5 +499,26 @@ TEST(formerValues, endAfterAnAssignedSetIsFreeAgain) {
     EXPECT_TRUE(lastLook::othersSee);
 }
 
+// behaviour: GS-27
+TEST(formerValues, endFromTheLastKeyOn) {
+    std::vector<scString> const keys = {key(L"one"), key(L"two"), key(L"three"), key(L"four"), key(L"five")};
+    std::vector<int> expected;
+    for (std::size_t at = 0; at < keys.size(); ++at)
+        expected.push_back(static_cast<int>(at));
+    std::sort(expected.begin(), expected.end(), [&](int left, int right) {
+        return keys[static_cast<std::size_t>(right)] < keys[static_cast<std::size_t>(left)];
+    });
+    for (bool const isAssigned : {false, true}) {
+        std::vector<int> ended;
+        {
+            genericSet set;
+            for (std::size_t at = 0; at < keys.size(); ++at)
+                set.setValue(keys[at], refPtr<refObj>(new node(static_cast<int>(at), ended)), false);
+            if (isAssigned) set = genericSet(genericSet());
+        }
+        EXPECT_EQ(ended, expected);
+    }
+}
+
 } // namespace
 } // namespace zov::tests

@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "base/allocation.h"
+#include "base/counting.h"
 #include "base/flags.h"
 #include "base/lifeLine.h"
 #include "base/names.h"
@@ -109,7 +110,7 @@ void classInfo::tearDown() noexcept {
         fields.begin(), fields.end(), [](fieldEntry const& listed) { return listed.field->detachOwner() != nullptr; });
     waitForReaders();
     for (auto left = detached; left > 0; --left)
-        release(); // the references of the fields, to which this class was the owner
+        giveUpQuietly(this); // the references of the fields, to which this class was the owner
     for (arrivingEntry const& listed : from)
         listed.relation->clearOwnField();
     for (leavingEntry const& listed : to)
@@ -433,8 +434,9 @@ void classInfo::fileRelation(refPtr<relationInfo> const& made) {
     isOwnTarget ? own.lock() : std::lock(own, other);
     heldMutex const& held = isOwnTarget ? own : other;
     mData->mToRelations.reserve(own, 1);
-    target->mData->mFromRelations.append(held, {made.get()});
+    target->mData->mFromRelations.reserve(held, 1);
     mData->mToRelations.append(own, {made.get(), from.get(), to.get()});
+    target->mData->mFromRelations.append(held, {made.get()});
 }
 
 bool classInfo::forEachToRelation(std::function<bool(refPtr<relationInfo>)> const& visit, bool stopOnFalse) const {

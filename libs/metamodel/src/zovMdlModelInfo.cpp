@@ -25,7 +25,8 @@ bool readCaseRule(string const& text) {
 
 // The first class in the order of the walk that has the alias.
 refPtr<classInfo> findByAlias(classMap const& classes, std::wstring_view name, bool caseSensitive) {
-    if (!wasEverAlias(nameKey(name, caseSensitive))) return nullptr;
+    nameKey const key(name, caseSensitive);
+    if (!wasEverAlias(key)) return nullptr;
     auto const alias = knownName(name, caseSensitive);
     auto const now = classes.snapshot();
     classInfo* found = nullptr;
@@ -33,7 +34,11 @@ refPtr<classInfo> findByAlias(classMap const& classes, std::wstring_view name, b
         if (entry.object->hasAliasname(*alias)) found = entry.object;
         return found != nullptr;
     });
-    return found;
+    if (!found) return nullptr;
+    // A class of this name may have come since it was looked for, and goes before any alias.
+    readSection const reading;
+    classEntry const* const named = classes.find(reading, key);
+    return named ? named->object : found;
 }
 
 } // namespace

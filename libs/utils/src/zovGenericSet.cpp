@@ -58,8 +58,10 @@ struct genericSet::record {
     record() noexcept {}
     record(record const&) = delete;
     record& operator=(record const&) = delete;
+    // The last entry ends first.
     ~record() {
-        std::destroy_n(entries(), mSize);
+        while (mSize > 0)
+            std::destroy_at(entries() + --mSize);
         if (mInBlock) ::operator delete(mBlock.first);
     }
 
@@ -169,7 +171,7 @@ private:
         for (std::uint32_t at = 0; at < mSize; ++at)
             relocate(entries() + at, spare.first + at);
         block const former = mInBlock ? mBlock : block{};
-        mBlock = spare;
+        std::construct_at(&mBlock, spare);
         mInBlock = true;
         static_cast<block&>(spare) = former;
         return true;
@@ -180,7 +182,7 @@ private:
         mSize = std::exchange(other.mSize, 0);
         mInBlock = std::exchange(other.mInBlock, false);
         if (mInBlock) {
-            mBlock = other.mBlock;
+            std::construct_at(&mBlock, other.mBlock);
         } else if (mSize != 0) {
             relocate(&other.mOwn, &mOwn);
         }

@@ -1,6 +1,6 @@
-// The recursive spin lock under every short critical section of the library: pointer lockers, value holders,
-// property sets. Taking it allocates nothing and cannot fail, so that it may be taken while memory is gone and
-// in code that must not throw. It spins briefly, then yields: sections under it are a few instructions long.
+// The recursive spin lock of pointer lockers and value holders. Taking it allocates nothing and cannot fail, so that it
+// may be taken while memory is gone and in code that must not throw. It spins briefly, then yields: sections under it
+// are a few instructions long.
 #pragma once
 
 #include <atomic>

@@ -4,7 +4,7 @@
 // Entries lie in one block of memory behind an index of their keys. Adding one writes behind the published ones and
 // publishes a greater size: nothing is copied, and whoever reads goes by the size that he found. A full block is
 // replaced by one of twice the room. The newest block holds the references; a former block that a walk still needs
-// holds the newer one instead, so that what it lists stays alive.
+// holds the newer one instead, so that what it lists stays alive, and with it what came after the walk began.
 //
 // Writers prove with the owner's held mutex that they are alone. Readers work within a section, or on a snapshot.
 //
@@ -189,12 +189,11 @@ struct growingList<Entry, Head>::block {
             if (found == 0) return nullptr;
             if ((found ^ key) >> 32 != 0) continue;
             std::size_t const position = (found & 0xFFFFFFFF) - 1;
-            if (position < size.load(std::memory_order_acquire) && matches(entries()[position]))
-                return entries() + position;
+            if (position < size.load() && matches(entries()[position])) return entries() + position;
         }
     }
 
-    std::span<Entry const> published() const noexcept { return {entries(), size.load(std::memory_order_acquire)}; }
+    std::span<Entry const> published() const noexcept { return {entries(), size.load()}; }
 
     Entry& stage(Entry const& added) noexcept {
         Entry& entry = *new (entries() + taken) Entry(added);
@@ -209,7 +208,7 @@ struct growingList<Entry, Head>::block {
         return entry;
     }
 
-    void commit() noexcept { size.store(taken, std::memory_order_release); }
+    void commit() noexcept { size.store(taken); }
 
     word* index() noexcept { return reinterpret_cast<word*>(this + 1); }
     word const* index() const noexcept { return reinterpret_cast<word const*>(this + 1); }
@@ -217,7 +216,7 @@ struct growingList<Entry, Head>::block {
     Entry const* entries() const noexcept { return reinterpret_cast<Entry const*>(index() + words); }
 
     std::atomic<std::uint32_t> holders{1};
-    std::atomic<std::uint32_t> size{0}; // entries that readers see
+    std::atomic<std::uint32_t> size{0}; // entries that readers see; in one order for all lists and threads
     std::uint32_t taken = 0;            // entries that are there; writers only
     std::uint32_t const room;
     std::uint32_t const words;

@@ -6,6 +6,11 @@
 
 namespace zov::metamodel {
 
+classTable::~classTable() {
+    while (!mMany.empty())
+        mMany.pop_back();
+}
+
 bool classTable::contains(scString name) const noexcept {
     return std::any_of(begin(), end(), [name](related const& known) { return known.named.first == name; });
 }

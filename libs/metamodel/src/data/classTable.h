@@ -17,6 +17,15 @@ public:
         classData const* data; // of the class; null where there is none
     };
 
+    classTable() = default;
+    classTable(classTable const&) = default;
+    classTable(classTable&&) = default;
+    classTable& operator=(classTable const&) = delete;
+    classTable& operator=(classTable&&) = delete;
+
+    // The last class is given up first.
+    ~classTable();
+
     bool contains(scString name) const noexcept;
 
     // Adds a class, unless one of that name is there. Throws std::bad_alloc, and nothing has changed.

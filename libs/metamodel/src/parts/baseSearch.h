@@ -4,20 +4,23 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <memory>
+#include <new>
 #include <span>
-#include <vector>
+#include <utility>
 
 #include "data/classData.h"
 
 namespace zov::metamodel {
 
-// The classes that a search has met. Up to some hundred of them need no memory of the heap.
+// The classes that a search has met. Up to 768 of them need no memory of the heap. Beyond that, classes are forgotten
+// when there is no memory: they are searched once more then, and found to be what they were.
 class metClasses {
 public:
-    // Answers whether the class is new, and remembers it. Throws std::bad_alloc.
-    bool add(classData const* met) {
-        if (mCount * 4 >= mSlots.size() * 3) grow();
-        auto const slot = place(mSlots, met);
+    // Answers whether the class is new, as far as is known, and remembers it.
+    bool add(classData const* met) noexcept {
+        if (mCount * 4 >= mSlots.size() * 3 && !grow()) return !*place(mSlots, met);
+        auto* const slot = place(mSlots, met);
         if (*slot) return false;
         *slot = met;
         ++mCount;
@@ -34,26 +37,30 @@ private:
         }
     }
 
-    void grow() {
+    bool grow() noexcept {
         if (mSlots.empty()) return moveTo(mFew);
         if (mSlots.size() == mFew.size()) return moveTo(mMany);
-        std::vector<classData const*> more(mSlots.size() * 2);
-        moveTo(more);
-        mHeap.swap(more);
+        std::size_t const count = mSlots.size() * 2;
+        std::unique_ptr<classData const*[]> more(new (std::nothrow) classData const*[count]);
+        if (!more) return false;
+        moveTo({more.get(), count});
+        mHeap = std::move(more);
+        return true;
     }
 
-    void moveTo(slots next) noexcept {
+    bool moveTo(slots next) noexcept {
         std::fill(next.begin(), next.end(), nullptr);
         for (auto const* met : mSlots) {
             if (met) *place(next, met) = met;
         }
         mSlots = next;
+        return true;
     }
 
     // Filled when they are first needed.
     std::array<classData const*, 64> mFew;
     std::array<classData const*, 1024> mMany;
-    std::vector<classData const*> mHeap;
+    std::unique_ptr<classData const*[]> mHeap;
     slots mSlots;
     std::size_t mCount = 0;
 };
@@ -71,7 +78,8 @@ struct withinSection {
     classTable const* bases(classData const& of) const noexcept { return of.mBaseClasses.peek(reading); }
 };
 
-// Keeps the bases alive by snapshots: for searches that call the host.
+// Keeps the bases alive by snapshots: for searches that call the host. A class that another thread frees meanwhile may
+// be taken for a new one at the same address, which then counts as not there yet.
 struct bySnapshots {
     static classData const* onlyBase(classData const&) noexcept { return nullptr; }
     static relatedClasses::snapshotPtr bases(classData const& of) noexcept { return of.mBaseClasses.snapshot(); }
@@ -84,7 +92,7 @@ public:
     explicit baseSearch(Access access) noexcept : mAccess(access) {}
 
     // Calls `visit` with each distinct direct or indirect base, null for an empty entry, until it answers true. Answers
-    // whether it did. Throws std::bad_alloc when there are more than some hundred.
+    // whether it did.
     template <class Visit>
     bool any(classData const& from, Visit const& visit) {
         if (classData const* const base = mAccess.onlyBase(from)) return comesTo(base, visit);

@@ -47,9 +47,8 @@ struct newName {
 
 // The first field that takes the name, or null.
 fieldInfo* fieldThatTakes(classData& owner, heldMutex const& held, newName const& added, bool caseSensitive) {
-    readSection const reading;
-    if (caseSensitive) return ownField(reading, owner, nameKey(added.name));
-    if (!owner.mHasCapitals) return ownField(reading, owner, added.lowered);
+    if (caseSensitive) return ownField(readSection(), owner, nameKey(added.name));
+    if (!owner.mHasCapitals) return ownField(readSection(), owner, added.lowered);
     for (fieldEntry const& entry : owner.mFieldInfos.entries(held)) {
         if (differAtMostInCase(entry.name, added.name)) return entry.field;
     }
