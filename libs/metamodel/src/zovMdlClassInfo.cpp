@@ -298,7 +298,7 @@ refPtr<idInfo> classInfo::idInfo() const {
         auto const generation = mData->mIdGeneration.load();
         if (auto known = mData->mIdInfo.get()) return known;
         // KEEP ID-08: a class without identifying fields is refused here, at every call anew.
-        refPtr<metamodel::idInfo> const made(new metamodel::idInfo(identifyingFields()));
+        refPtr<metamodel::idInfo> made(new metamodel::idInfo(identifyingFields()));
         referencePtrLocker const guard;
         if (generation == mData->mIdGeneration && mData->mIdInfo.setIfEmpty(made)) return made;
     }

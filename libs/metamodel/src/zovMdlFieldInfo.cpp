@@ -36,7 +36,8 @@ void* fieldInfo::operator new(std::size_t size) {
     static_assert(sizeof(fieldInfo) % alignof(fieldData) == 0);
     return ::operator new(size + sizeof(fieldData));
 }
-void fieldInfo::operator delete(void* storage) noexcept {
+// Never inlined: the compiler would take it for a mismatch with the new above.
+[[gnu::noinline]] void fieldInfo::operator delete(void* storage) noexcept {
     ::operator delete(storage);
 }
 

@@ -132,19 +132,21 @@ private:
         return added;
     }
 
+    void addBlock(slotArray& slots) {
+        slots.blockOf(mNext).store(std::allocator<internedText>().allocate(blockSize), std::memory_order_relaxed);
+    }
+
     // Room for a slot and an entry. Nothing has changed unless both could be had.
     slotArray* roomForOneMore() {
         if (mNext == std::numeric_limits<std::uint32_t>::max()) throw std::bad_alloc();
         slotArray* const current = mSlots.load(std::memory_order_relaxed);
-        std::unique_ptr<slotArray> larger;
-        if (!current || !current->hasRoomFor(mNext))
-            larger = std::make_unique<slotArray>(current ? 2 * (current->mask + 1) : 2 * blockSize);
-        bool const beginsBlock = !current || mNext % blockSize == 0;
-        internedText* const block = beginsBlock ? std::allocator<internedText>().allocate(blockSize) : nullptr;
-        if (larger && current) larger->addAllOf(*current);
-        slotArray* const slots = larger ? larger.get() : current;
-        if (block) slots->blockOf(mNext).store(block, std::memory_order_relaxed);
-        if (!larger) return current;
+        if (current && current->hasRoomFor(mNext)) {
+            if (mNext % blockSize == 0) addBlock(*current);
+            return current;
+        }
+        auto larger = std::make_unique<slotArray>(current ? 2 * (current->mask + 1) : 2 * blockSize);
+        if (current) larger->addAllOf(*current);
+        if (!current || mNext % blockSize == 0) addBlock(*larger);
         larger->smaller.reset(current);
         mSlots.store(larger.get(), std::memory_order_release);
         return larger.release();

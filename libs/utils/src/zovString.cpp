@@ -71,9 +71,9 @@ char32_t readUtf8(std::string_view text, std::size_t& at) noexcept {
 // Makes a text of ASCII its lower case. Answers false for any other, which is then half done. There is no way out of
 // the loop before its end, so that it can take several units at a time.
 bool lowerAscii(std::wstring& text) noexcept {
-    std::uint32_t seen = 0;
+    char32_t seen = 0;
     for (wchar_t& unit : text) {
-        auto const value = static_cast<std::uint32_t>(unit);
+        auto const value = static_cast<char32_t>(unit);
         seen |= value;
         unit = static_cast<wchar_t>(value - U'A' < 26 ? value + (U'a' - U'A') : value);
     }
