@@ -32,11 +32,11 @@ constexpr wchar_t const* createdLine = L"fieldInfo created: \"%s\"";
 
 // ---- life
 
-void* fieldInfo::operator new(std::size_t size) {
+// Neither of the two is ever inlined alone: the compiler would take the other one for a mismatch.
+[[gnu::noinline]] void* fieldInfo::operator new(std::size_t size) {
     static_assert(sizeof(fieldInfo) % alignof(fieldData) == 0);
     return ::operator new(size + sizeof(fieldData));
 }
-// Never inlined: the compiler would take it for a mismatch with the new above.
 [[gnu::noinline]] void fieldInfo::operator delete(void* storage) noexcept {
     ::operator delete(storage);
 }
