@@ -41,24 +41,27 @@ void genericValueHolderLocker::destroyLocker(spinLockerRecursive* lock) noexcept
     detail::smallStorage::deallocate(lock, sizeof(spinLockerRecursive));
 }
 
+namespace {
+
+// The pool for objects of this size; null for those that go to the allocator.
+cellPool* poolFor(std::size_t size) noexcept {
+    if (size <= 8) return &cellsOf8;
+    if (size <= 16) return &cellsOf16;
+    if (size <= 32) return &cellsOf32;
+    return nullptr;
+}
+
+} // namespace
+
 void* detail::smallStorage::allocate(std::size_t size) {
-    if (size <= 8) return cellsOf8.take();
-    if (size <= 16) return cellsOf16.take();
-    if (size <= 32) return cellsOf32.take();
-    return ::operator new(size);
+    cellPool* const pool = poolFor(size);
+    return pool ? pool->take() : ::operator new(size);
 }
 
 void detail::smallStorage::deallocate(void* storage, std::size_t size) noexcept {
     if (!storage) return;
-    if (size <= 8) {
-        cellsOf8.give(storage);
-    } else if (size <= 16) {
-        cellsOf16.give(storage);
-    } else if (size <= 32) {
-        cellsOf32.give(storage);
-    } else {
-        ::operator delete(storage);
-    }
+    if (cellPool* const pool = poolFor(size)) return pool->give(storage);
+    ::operator delete(storage);
 }
 
 genericValue::holderbase::~holderbase() = default;
