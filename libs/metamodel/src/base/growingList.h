@@ -147,8 +147,6 @@ public:
     bool empty() const noexcept { return mSize == 0; }
     Head const& head() const noexcept { return mBlock.get()->head; }
 
-    std::span<Entry const> entries() const noexcept { return {begin(), mSize}; }
-
 private:
     friend class growingList;
     explicit snapshotPtr(heldBody<block> held) noexcept
