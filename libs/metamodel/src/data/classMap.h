@@ -4,6 +4,7 @@
 // is found in a tree of the writers' own.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 
@@ -74,6 +75,9 @@ private:
     void link(heldMutex const& held, positions::const_iterator place, classEntry const& added) noexcept;
 
     list mClasses;
+
+    // What registrations write and lookups do not read stands on other cache lines, here and behind.
+    [[maybe_unused]] std::byte mGap[128];
     positions mOrder; // where each class stands in the list; under the model's mutex
 };
 
