@@ -32,6 +32,7 @@ using zov::string;
 static_assert(std::is_nothrow_constructible_v<nameKey, std::wstring_view, bool>);
 static_assert(std::is_nothrow_constructible_v<nameKey, scString>);
 static_assert(std::is_nothrow_copy_constructible_v<nameKey> && std::is_nothrow_copy_assignable_v<nameKey>);
+static_assert(std::is_nothrow_constructible_v<filedName, scString> && !std::convertible_to<scString, filedName>);
 static_assert(!std::convertible_to<scString, nameKey> && !std::convertible_to<std::wstring_view, nameKey>);
 
 constexpr bool asWritten = true;
@@ -44,10 +45,17 @@ std::vector<scString> namesOf(std::vector<string> const& texts) {
     return names;
 }
 
+// Whether the key is that of the name's text, which it is of the filed name as well or of neither.
+bool isTextOf(nameKey const& key, scString name) {
+    bool const answer = key.isTextOf(name);
+    EXPECT_EQ(key.isTextOf(filedName(name)), answer);
+    return answer;
+}
+
 // How many of the names the key takes for another text than `text`, or does not take for it.
 std::ptrdiff_t mistakesOf(nameKey const& key, string const& text, std::vector<scString> const& names) {
     return std::count_if(names.begin(), names.end(),
-                         [&](scString name) { return key.isTextOf(name) != (name.string() == text); });
+                         [&](scString name) { return isTextOf(key, name) != (name.string() == text); });
 }
 
 // The text in both ways of asking, and as a name: all of them the same key. What it is in any case is interned too.
@@ -60,9 +68,9 @@ void expectKeysOf(string const& text, std::vector<scString> const& names) {
     EXPECT_EQ(lowered.hash(), nameKey(folded).hash());
     EXPECT_EQ(lowered.hash(), nameKey(text.lower(), asWritten).hash());
     for (scString const other : {name, folded, scString()}) {
-        EXPECT_EQ(written.isTextOf(other), other == name);
-        EXPECT_EQ(lowered.isTextOf(other), other == folded);
-        EXPECT_EQ(nameKey(name).isTextOf(other), other == name);
+        EXPECT_EQ(isTextOf(written, other), other == name);
+        EXPECT_EQ(isTextOf(lowered, other), other == folded);
+        EXPECT_EQ(isTextOf(nameKey(name), other), other == name);
     }
     EXPECT_EQ(mistakesOf(written, text, names), 0);
     EXPECT_EQ(mistakesOf(lowered, text.lower(), names), 0);
@@ -100,11 +108,11 @@ TEST(nameKey, isThatOfCapitalsOnlyInAnyCase) {
             scString const other = scString::createFrom(capitals);
             for (string const& text : {capitals, smalls}) {
                 EXPECT_EQ(nameKey(text, inAnyCase).hash(), nameKey(name).hash()) << length;
-                EXPECT_TRUE(nameKey(text, inAnyCase).isTextOf(name)) << length;
-                EXPECT_FALSE(nameKey(text, inAnyCase).isTextOf(other)) << length;
+                EXPECT_TRUE(isTextOf(nameKey(text, inAnyCase), name)) << length;
+                EXPECT_FALSE(isTextOf(nameKey(text, inAnyCase), other)) << length;
             }
             EXPECT_NE(nameKey(capitals, asWritten).hash(), nameKey(name).hash()) << length;
-            EXPECT_FALSE(nameKey(capitals, asWritten).isTextOf(name)) << length;
+            EXPECT_FALSE(isTextOf(nameKey(capitals, asWritten), name)) << length;
         }
     }
 }
@@ -132,8 +140,8 @@ TEST(nameKey, foldsIntoSmallerUnits) {
                 ASSERT_EQ(wide.lower(), folded);
                 scString const name = scString::createFrom(folded);
                 EXPECT_EQ(nameKey(wide, inAnyCase).hash(), nameKey(name).hash()) << length;
-                EXPECT_TRUE(nameKey(wide, inAnyCase).isTextOf(name)) << length;
-                EXPECT_FALSE(nameKey(wide, asWritten).isTextOf(name)) << length;
+                EXPECT_TRUE(isTextOf(nameKey(wide, inAnyCase), name)) << length;
+                EXPECT_FALSE(isTextOf(nameKey(wide, asWritten), name)) << length;
             }
         }
     }
@@ -189,12 +197,12 @@ TEST(nameKey, ofNullsIsNotThatOfWiderTexts) {
         scString const wideName = scString::createFrom(wide);
         for (bool const caseMatters : {asWritten, inAnyCase}) {
             nameKey const key(nulls, caseMatters);
-            EXPECT_TRUE(key.isTextOf(nullsName)) << length;
-            EXPECT_FALSE(key.isTextOf(wideName)) << length;
-            EXPECT_FALSE(key.isTextOf(scString())) << length;
-            EXPECT_FALSE(nameKey(wide, caseMatters).isTextOf(nullsName)) << length;
+            EXPECT_TRUE(isTextOf(key, nullsName)) << length;
+            EXPECT_FALSE(isTextOf(key, wideName)) << length;
+            EXPECT_FALSE(isTextOf(key, scString())) << length;
+            EXPECT_FALSE(isTextOf(nameKey(wide, caseMatters), nullsName)) << length;
         }
-        EXPECT_TRUE(nameKey(wide, asWritten).isTextOf(wideName)) << length;
+        EXPECT_TRUE(isTextOf(nameKey(wide, asWritten), wideName)) << length;
     }
 }
 
@@ -206,12 +214,12 @@ TEST(nameKey, ofTheEmptyTextIsThatOfTheDefaultName) {
          {nameKey(L"", asWritten), nameKey(L"", inAnyCase), nameKey(std::wstring_view(), inAnyCase),
           nameKey(scString()), nameKey(scString::createFrom(L""))}) {
         EXPECT_EQ(key.hash(), nameKey(scString()).hash());
-        EXPECT_TRUE(key.isTextOf(scString()));
+        EXPECT_TRUE(isTextOf(key, scString()));
         EXPECT_EQ(mistakesOf(key, L"", others), 0);
     }
     for (scString const other : others) {
-        EXPECT_FALSE(nameKey(other).isTextOf(scString()));
-        EXPECT_FALSE(nameKey(other.string(), asWritten).isTextOf(scString()));
+        EXPECT_FALSE(isTextOf(nameKey(other), scString()));
+        EXPECT_FALSE(isTextOf(nameKey(other.string(), asWritten), scString()));
     }
 }
 
@@ -221,6 +229,16 @@ std::vector<string> freshTexts(wchar_t const* stem) {
             string(std::wstring(stem) + L" Long" + std::wstring(40, L'x'))};
 }
 
+// behaviour: NK-02
+TEST(nameKey, ofAFiledNameIsThatOfItsHandle) {
+    for (scString const name : namesOf({L"", L"Width", string(31, L'y'), string(32, L'y'), L"\u4E2D"})) {
+        filedName const filed(name);
+        EXPECT_EQ(filed.handle(), name);
+        EXPECT_TRUE(nameKey(name).isTextOf(filed));
+        EXPECT_TRUE(nameKey(name.string(), asWritten).isTextOf(filed));
+    }
+}
+
 // behaviour: NK-05
 TEST(nameKey, internsNothingAndIsNobodysWhileThereIsNoName) {
     std::vector<scString> const names = namesOf({L"", L"NK", L"nk", L"\u4E2D", string(40, L'x')});
@@ -228,7 +246,7 @@ TEST(nameKey, internsNothingAndIsNobodysWhileThereIsNoName) {
         for (bool const caseMatters : {asWritten, inAnyCase}) {
             nameKey const key(text, caseMatters);
             for (scString const name : names)
-                EXPECT_FALSE(key.isTextOf(name));
+                EXPECT_FALSE(isTextOf(key, name));
         }
         EXPECT_EQ(scString::find(text), std::nullopt);
         EXPECT_EQ(scString::findLowered(text), std::nullopt);
@@ -245,9 +263,9 @@ TEST(nameKey, ofAShortNarrowTextKnowsNamesThatAreInternedLater) {
             nameKey const lowered(text, inAnyCase);
             scString const name = scString::createFrom(text);
             scString const folded = scString::createFrom(text.lower());
-            EXPECT_TRUE(written.isTextOf(name)) << length;
-            EXPECT_TRUE(lowered.isTextOf(folded)) << length;
-            EXPECT_EQ(lowered.isTextOf(name), name == folded) << length;
+            EXPECT_TRUE(isTextOf(written, name)) << length;
+            EXPECT_TRUE(isTextOf(lowered, folded)) << length;
+            EXPECT_EQ(isTextOf(lowered, name), name == folded) << length;
         }
     }
 }
@@ -266,8 +284,8 @@ TEST(nameKey, ofAnyOtherTextStaysNobodysWhenTheTextIsInternedLater) {
         scString const name = scString::createFrom(text);
         scString const folded = scString::createFrom(text.lower());
         for (scString const each : {name, folded, scString()}) {
-            EXPECT_FALSE(written.isTextOf(each)) << text.size();
-            EXPECT_FALSE(lowered.isTextOf(each)) << text.size();
+            EXPECT_FALSE(isTextOf(written, each)) << text.size();
+            EXPECT_FALSE(isTextOf(lowered, each)) << text.size();
         }
         EXPECT_EQ(written.hash(), nameKey(name).hash());
         EXPECT_EQ(lowered.hash(), nameKey(folded).hash());
@@ -280,7 +298,7 @@ TEST(nameKey, ofAWideTextThatFoldsIntoANarrowOneKnowsItLater) {
     string const text(L"nk folds later: \u0178");
     ASSERT_EQ(scString::findLowered(text), std::nullopt);
     nameKey const lowered(text, inAnyCase);
-    EXPECT_TRUE(lowered.isTextOf(scString::createFrom(text.lower())));
+    EXPECT_TRUE(isTextOf(lowered, scString::createFrom(text.lower())));
 }
 
 // behaviour: NK-07
@@ -290,14 +308,14 @@ TEST(nameKey, isAValue) {
     nameKey key(text, asWritten);
     nameKey const copy(key);
     text[0] = L'x';
-    EXPECT_TRUE(key.isTextOf(name));
+    EXPECT_TRUE(isTextOf(key, name));
     for (string const& other : freshTexts(L"NK assigned")) {
         key = nameKey(other, inAnyCase);
-        EXPECT_FALSE(key.isTextOf(name));
+        EXPECT_FALSE(isTextOf(key, name));
         key = nameKey(scString::createFrom(other));
-        EXPECT_TRUE(key.isTextOf(scString::createFrom(other)));
+        EXPECT_TRUE(isTextOf(key, scString::createFrom(other)));
         key = copy;
-        EXPECT_TRUE(key.isTextOf(name));
+        EXPECT_TRUE(isTextOf(key, name));
         EXPECT_EQ(key.hash(), nameKey(name).hash());
     }
 }
@@ -310,8 +328,8 @@ TEST(nameKey, readsNothingBesideTheText) {
             std::vector<wchar_t> const storage(length, unit);
             std::wstring_view const units(storage.data(), storage.size());
             expectKeysOf(string(units), {});
-            EXPECT_TRUE(nameKey(units, asWritten).isTextOf(scString::createFrom(units)));
-            EXPECT_TRUE(nameKey(units, inAnyCase).isTextOf(scString::createFrom(string(units).lower())));
+            EXPECT_TRUE(isTextOf(nameKey(units, asWritten), scString::createFrom(units)));
+            EXPECT_TRUE(isTextOf(nameKey(units, inAnyCase), scString::createFrom(string(units).lower())));
         }
     }
 }

@@ -132,7 +132,7 @@ refPtr<classInfo> modelInfo::createAndPublish(string const& name, acceptFunction
 bool modelInfo::forEachClassInfo(std::function<bool(metamodel::classInfo::entry const&)> const& visit,
                                  bool stopOnFalse) const {
     return !mRegistry->mClasses.snapshot().any([&](classEntry const& entry) {
-        return !visit({entry.name, entry.object}) && stopOnFalse;
+        return !visit({entry.name.handle(), entry.object}) && stopOnFalse;
     });
 }
 

@@ -25,6 +25,22 @@
 
 namespace zov {
 
+// What a table may keep in place of a name's handle: a question is then answered without a look at the name itself,
+// which lies anywhere.
+class ZOV_UTILS_API filedName {
+public:
+    explicit filedName(scString name) noexcept;
+
+    scString handle() const noexcept { return mName; }
+
+private:
+    friend class nameKey;
+
+    std::array<std::uint64_t, 4> mPacked{}; // that of no short text of small units, where the name is none
+    scString mName;
+    std::uint32_t mSize = 0;
+};
+
 class ZOV_UTILS_API nameKey {
 public:
     // The key of a text: as it is written, or, unless case matters, of its lower-case form.
@@ -39,8 +55,16 @@ public:
 
     // Whether this is the key of exactly the text of `name`, as far as it was known (see above).
     bool isTextOf(scString name) const noexcept;
+    bool isTextOf(filedName const& name) const noexcept {
+        return mSize == 0 ? mName == name.mName : isPackedAs(name.mPacked) && mSize == name.mSize;
+    }
 
 private:
+    bool isPackedAs(std::array<std::uint64_t, 4> const& other) const noexcept {
+        return ((other[0] ^ mPacked[0]) | (other[1] ^ mPacked[1]) | (other[2] ^ mPacked[2]) |
+                (other[3] ^ mPacked[3])) == 0;
+    }
+
     // A short text of small units lies here in packed form; of any other, and of the empty one, the handle is known.
     std::array<std::uint64_t, 4> mPacked{};
     std::size_t mSize = 0; // of a packed text; else 0

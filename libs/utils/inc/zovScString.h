@@ -56,6 +56,7 @@ public:
 
 private:
     friend struct std::hash<scString>;
+    friend class filedName;
     friend class nameKey;
 
     explicit constexpr scString(detail::internedText const* text) noexcept : mText(text) {}

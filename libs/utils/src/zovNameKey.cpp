@@ -6,6 +6,12 @@
 
 namespace zov {
 
+filedName::filedName(scString name) noexcept : mName(name) {
+    if (!name.mText) return;
+    mPacked = name.mText->packed.words;
+    mSize = static_cast<std::uint32_t>(name.mText->text.size());
+}
+
 nameKey::nameKey(std::wstring_view text, bool caseMatters) noexcept {
     auto const take = [this]<class Form>(Form const& form) {
         mHash = form.hash();
@@ -25,10 +31,7 @@ nameKey::nameKey(scString name) noexcept : mName(name) {
 bool nameKey::isTextOf(scString name) const noexcept {
     if (mSize == 0) return mName == name;
     if (!name.mText) return false;
-    auto const& known = name.mText->packed.words;
-    std::uint64_t const differences =
-        (known[0] ^ mPacked[0]) | (known[1] ^ mPacked[1]) | (known[2] ^ mPacked[2]) | (known[3] ^ mPacked[3]);
-    return differences == 0 && name.mText->text.size() == mSize;
+    return isPackedAs(name.mText->packed.words) && name.mText->text.size() == mSize;
 }
 
 } // namespace zov

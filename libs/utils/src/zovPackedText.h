@@ -32,6 +32,22 @@ struct alignas(16) packedBytes {
 
 namespace detail {
 
+// The two halves of a product of 128 bits, laid over each other.
+inline std::uint64_t foldedProduct(std::uint64_t left, std::uint64_t right) noexcept {
+#if defined(__SIZEOF_INT128__)
+    __extension__ using wide = unsigned __int128;
+    wide const product = static_cast<wide>(left) * right;
+    return static_cast<std::uint64_t>(product >> 64) ^ static_cast<std::uint64_t>(product);
+#else
+    constexpr std::uint64_t half = 0xFFFFFFFFU;
+    std::uint64_t const lower = (left & half) * (right & half);
+    std::uint64_t const one = (left >> 32) * (right & half) + (lower >> 32);
+    std::uint64_t const other = (left & half) * (right >> 32) + (one & half);
+    std::uint64_t const upper = (left >> 32) * (right >> 32) + (one >> 32) + (other >> 32);
+    return upper ^ (other << 32 | (lower & half));
+#endif
+}
+
 // Four blocks of four units, a byte each, and the bits that units had.
 #if defined(ZOV_PACKS_WITH_SSE2)
 
@@ -52,8 +68,9 @@ public:
 
     // Only where all units are below 128.
     void lowerAscii() noexcept {
-        __m128i const isCapital = _mm_and_si128(_mm_cmpgt_epi8(mBytes, _mm_set1_epi8('A' - 1)),
-                                                _mm_cmplt_epi8(mBytes, _mm_set1_epi8('Z' + 1)));
+        // Moved to where they are the least of all signed bytes, the capitals are told by one comparison.
+        __m128i const moved = _mm_add_epi8(mBytes, _mm_set1_epi8(static_cast<char>(0x80 - 'A')));
+        __m128i const isCapital = _mm_cmplt_epi8(moved, _mm_set1_epi8('Z' + 1 - 'A' - 0x80));
         mBytes = _mm_or_si128(mBytes, _mm_and_si128(isCapital, _mm_set1_epi8('a' - 'A')));
     }
 
@@ -62,6 +79,9 @@ public:
         return static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(mBytes, mBytes)));
     }
 
+    void keepIn(std::uint64_t* words) const noexcept {
+        _mm_store_si128(static_cast<__m128i*>(static_cast<void*>(words)), mBytes);
+    }
     bool isThatOf(std::uint64_t const* words) const noexcept {
         __m128i const kept = _mm_load_si128(static_cast<__m128i const*>(static_cast<void const*>(words)));
         return _mm_movemask_epi8(_mm_cmpeq_epi8(mBytes, kept)) == 0xFFFF;
@@ -102,6 +122,10 @@ public:
     std::uint64_t first() const noexcept { return mFirst; }
     std::uint64_t second() const noexcept { return mSecond; }
 
+    void keepIn(std::uint64_t* words) const noexcept {
+        words[0] = mFirst;
+        words[1] = mSecond;
+    }
     bool isThatOf(std::uint64_t const* words) const noexcept { return mFirst == words[0] && mSecond == words[1]; }
 
 private:
@@ -140,13 +164,11 @@ public:
     explicit packedText(std::wstring_view text) noexcept : mSize(text.size()) {
         wchar_t const* const units = text.data();
         wchar_t const* const last = units + (mSize < 4 ? 0 : mSize - 4);
-        if (mSize > 16) {
+        if (mSize > oneHalf) {
             mLow = detail::packedHalf(units, units + 4, units + 8, units + 12);
             mHigh = detail::packedHalf(last - 12, last - 8, last - 4, last);
         } else if (mSize >= 4) {
-            auto const behind = static_cast<std::ptrdiff_t>(mSize) - 4;
-            std::ptrdiff_t const four = 4;
-            mLow = detail::packedHalf(units, units + std::min(four, behind), units + std::min(2 * four, behind), last);
+            mLow = detail::packedHalf(units, std::min(units + 4, last), std::min(units + 8, last), last);
         } else {
             std::array<wchar_t, 4> const spread{units[0], units[mSize / 2], units[mSize - 1]};
             mLow = detail::packedHalf(spread.data(), spread.data(), spread.data(), spread.data());
@@ -165,17 +187,22 @@ public:
 
     // Every bit of the result depends on every unit.
     std::uint64_t hash() const noexcept {
-        std::uint64_t all = spread(mLow.first() ^ (mSize * 0x9E3779B97F4A7C15U), 0x9FB21C651E98DF25U) +
-                            spread(mLow.second(), 0xD6E8FEB86659FD93U);
-        if (mSize > 16) all += spread(mHigh.first(), 0xC2B2AE3D27D4EB4FU) + spread(mHigh.second(), 0xA0761D6478BD642FU);
-        return mixed(all, 0xE7037ED1A0B428DBU);
+        std::uint64_t const low =
+            detail::foldedProduct(mLow.first() ^ (mSize * 0x9E3779B97F4A7C15U), mLow.second() ^ 0xD6E8FEB86659FD93U);
+        if (mSize <= oneHalf) return low;
+        return low ^ detail::foldedProduct(mHigh.first() ^ 0xC2B2AE3D27D4EB4FU, mHigh.second() ^ 0xA0761D6478BD642FU);
     }
 
     // The bytes of no narrow text of any length: up to 16 units leave the second half 0, and in more the two halves
     // overlap in at least one unit, which would have to be 0 and 1 at once.
     static constexpr packedBytes bytesOfNone() noexcept { return {{0, 0, 0x0101010101010101U, 0x0101010101010101U}}; }
 
-    packedBytes bytes() const noexcept { return {{mLow.first(), mLow.second(), mHigh.first(), mHigh.second()}}; }
+    packedBytes bytes() const noexcept {
+        packedBytes kept;
+        mLow.keepIn(kept.words.data());
+        mHigh.keepIn(kept.words.data() + 2);
+        return kept;
+    }
 
     // The text whose bytes were kept; `size` is the number of its units.
     packedText(packedBytes const& kept, std::size_t size) noexcept
@@ -186,15 +213,7 @@ public:
     }
 
 private:
-    static std::uint64_t mixed(std::uint64_t value, std::uint64_t factor) noexcept {
-        value *= factor;
-        return value ^ (value >> 32);
-    }
-
-    // Bytes on top, too, shall change more than the top of a product.
-    static std::uint64_t spread(std::uint64_t value, std::uint64_t factor) noexcept {
-        return mixed(value ^ (value >> 29), factor);
-    }
+    static constexpr std::size_t oneHalf = 16; // units that one half takes; more lie in both
 
     std::size_t mSize;
     detail::packedHalf mLow;

@@ -68,8 +68,8 @@ public:
     // The first entry with this scrambled key that `matches` accepts, or null; valid until the end of the section.
     template <class Matches>
     Entry const* find(readSection const& reading, std::uint64_t key, Matches const& matches) const noexcept {
-        block const* const now = mSlot.peek(reading);
-        return now ? now->find(key, matches) : nullptr;
+        auto const now = mSlot.peekNoted(reading);
+        return now.body() ? now.body()->find(now.note(), key, matches) : nullptr;
     }
 
     std::size_t size() const noexcept {
@@ -157,18 +157,21 @@ private:
 };
 
 // Header, index and entries in one piece of memory. The index is an open-addressing table of a power of two of words,
-// at most three quarters of them taken: half a word of the key, and the entry's position plus 1; 0 is a free place.
-// Words are only ever added, behind the entries that they lead to.
+// at most three eighths of them taken, so that most questions end at the first one: the entry's position plus 1 in as
+// many bits as positions need, and above them bits of the key; 0 is a free place. Words are only ever added, behind the
+// entries that they lead to.
 template <class Entry, class Head>
-struct growingList<Entry, Head>::block {
-    using word = std::atomic<std::uint64_t>;
+struct alignas(std::max<std::size_t>(alignof(Entry),
+                                     __STDCPP_DEFAULT_NEW_ALIGNMENT__)) growingList<Entry, Head>::block {
+    using word = std::atomic<std::uint32_t>;
 
     // A block for at least `needed` entries, with what `former` has taken. Throws std::bad_alloc.
     static block* make(std::size_t needed, block const* former) {
-        std::size_t const words = std::max(minimumWords, std::bit_ceil(needed + needed / 3 + 1));
-        std::size_t const room = words / 4 * 3;
+        std::size_t const words = std::max<std::size_t>(minimumWords, std::bit_ceil((needed * 8 + 2) / 3));
+        std::size_t const room = words / 8 * 3;
         std::size_t const indexed = Entry::isIndexed ? words : 0;
-        void* const storage = ::operator new(sizeof(block) + room * sizeof(Entry) + indexed * sizeof(word));
+        std::size_t const bytes = sizeof(block) + indexed * sizeof(word) + room * sizeof(Entry);
+        void* const storage = ::operator new(bytes, std::align_val_t(alignof(block)));
         block* const made = new (storage) block(room, indexed);
         if (former) made->takeOver(*former);
         return made;
@@ -177,17 +180,28 @@ struct growingList<Entry, Head>::block {
     static void end(block* last) noexcept {
         if (!last->heir) last->head.releaseAll(std::span(last->entries(), last->taken));
         last->~block();
-        ::operator delete(last);
+        ::operator delete(last, std::align_val_t(alignof(block)));
     }
 
+    // How many index words there are, for who finds the block; 0 where their number is too great for a note.
+    unsigned note() const noexcept {
+        auto const doublings = static_cast<unsigned>(std::bit_width(words / minimumWords));
+        return doublings < 16 ? doublings : 0;
+    }
+
+    // Goes to the index without a stop at the block's own line, which may not be at hand.
     template <class Matches>
-    Entry const* find(std::uint64_t key, Matches const& matches) const noexcept {
+    Entry const* find(unsigned noted, std::uint64_t key, Matches const& matches) const noexcept {
+        std::uint32_t const count = noted != 0 ? minimumWords << (noted - 1) : words;
+        std::uint32_t const positions = count - 1;
+        std::uint32_t const wanted = keyBits(key, positions);
+        auto const* const listed = reinterpret_cast<Entry const*>(index() + count);
         for (std::uint64_t at = key;; ++at) {
-            std::uint64_t const found = index()[at & (words - 1)].load(std::memory_order_acquire);
+            std::uint32_t const found = index()[at & (count - 1)].load(std::memory_order_acquire);
             if (found == 0) return nullptr;
-            if ((found ^ key) >> 32 != 0) continue;
-            std::size_t const position = (found & 0xFFFFFFFF) - 1;
-            if (position < size.load() && matches(entries()[position])) return entries() + position;
+            if ((found & ~positions) != wanted) continue;
+            std::size_t const position = (found & positions) - 1;
+            if (position < size.load() && matches(listed[position])) return listed + position;
         }
     }
 
@@ -201,12 +215,18 @@ struct growingList<Entry, Head>::block {
             std::uint64_t at = key;
             while (index()[at & (words - 1)].load(std::memory_order_relaxed) != 0)
                 ++at;
-            index()[at & (words - 1)].store((key >> 32 << 32) | taken, std::memory_order_release);
+            index()[at & (words - 1)].store(keyBits(key, words - 1) | taken, std::memory_order_release);
         }
         return entry;
     }
 
     void commit() noexcept { size.store(taken); }
+
+    // The part of the key that an index word holds beside the bits of a position. These are as many as tell the words
+    // apart, of which there are more than entries.
+    static std::uint32_t keyBits(std::uint64_t key, std::uint32_t positions) noexcept {
+        return static_cast<std::uint32_t>(key >> 32) & ~positions;
+    }
 
     word* index() noexcept { return reinterpret_cast<word*>(this + 1); }
     word const* index() const noexcept { return reinterpret_cast<word const*>(this + 1); }
@@ -222,7 +242,7 @@ struct growingList<Entry, Head>::block {
     heldBody<block> heir; // what holds the references in place of this block
 
 private:
-    static constexpr std::size_t minimumWords = 8;
+    static constexpr std::uint32_t minimumWords = 16;
 
     block(std::size_t roomFor, std::size_t indexWords) noexcept
         : room(static_cast<std::uint32_t>(roomFor)), words(static_cast<std::uint32_t>(indexWords)) {

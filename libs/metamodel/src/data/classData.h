@@ -6,6 +6,7 @@
 #include <mutex>
 
 #include "base/linkSlot.h"
+#include "base/nameFilter.h"
 #include "data/fieldList.h"
 #include "data/relatedClasses.h"
 #include "data/relationLists.h"
@@ -23,8 +24,7 @@ struct classData {
     static classData const& of(classInfo const& owner) { return *owner.mData; }
 
     // What lookups read comes first, within one cache line's length.
-    std::atomic<std::uint64_t> mFieldFilter{
-        0};                         // a bit for each field's name, set before the field is seen; never cleared
+    nameFilter mFieldFilter;
     bool const mCaseSensitiveNames; // the model's rule at the time the class was made
     bool mHasCapitals = false;      // the name of some field is not its own lower case; for writers
     std::atomic<std::int32_t> mFlags{0};

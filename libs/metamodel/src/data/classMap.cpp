@@ -33,7 +33,7 @@ classEntry const* classMap::find(readSection const& reading, nameKey const& name
 
 void classMap::store(heldMutex const& held, refPtr<classInfo> const& added) {
     scString const name = added->scName();
-    classEntry entry{name, added.get(), &classData::of(*added), {}};
+    classEntry entry{filedName(name), {}, added.get(), &classData::of(*added)};
     if (auto const known = mOrder.find(name); known != mOrder.end()) {
         entry.next = mClasses.entries(held)[known->second].next;
         mClasses.replace(held, known->second, entry);

@@ -27,17 +27,18 @@ private:
     std::uint32_t mNext = 0;
 };
 
-struct classEntry {
+// All that a question by name looks at, within one cache line.
+struct alignas(64) classEntry {
     static constexpr bool isIndexed = true;
 
-    std::uint64_t key() const noexcept { return nameKey(name).hash(); }
+    std::uint64_t key() const noexcept { return nameKey(name.handle()).hash(); }
     void retain() const noexcept { countIfAny(object); }
     void release() const noexcept { giveUpQuietly(object); }
 
-    scString name;
+    [[no_unique_address]] filedName name;
+    classLink next;
     classInfo* object;
     classData const* data;
-    classLink next;
 };
 
 // Leads to the first class.

@@ -9,15 +9,9 @@ namespace zov::metamodel {
 
 namespace {
 
-// The bit of a name in the filter of a class: most classes that do not have a field can tell so by it, without their
-// list of fields.
-std::uint64_t filterBit(nameKey const& name) noexcept {
-    return std::uint64_t{1} << (name.hash() >> 40) % 64;
-}
-
 // The class's own field of this name, or null.
 fieldInfo* ownField(readSection const& reading, classData const& owner, nameKey const& name) noexcept {
-    if ((owner.mFieldFilter.load(std::memory_order_acquire) & filterBit(name)) == 0) return nullptr;
+    if (!owner.mFieldFilter.mayHave(name)) return nullptr;
     auto const isIt = [&name](fieldEntry const& entry) {
         fetchForCounting(entry.field);
         return name.isTextOf(entry.name);
@@ -29,6 +23,24 @@ fieldInfo* ownField(readSection const& reading, classData const& owner, nameKey 
 // The same for a name as it is asked for, by the class's case rule.
 fieldInfo* ownField(readSection const& reading, classData const& owner, lookedUpName& name) noexcept {
     return ownField(reading, owner, name.key(owner.mCaseSensitiveNames));
+}
+
+// Kept apart from findField, which seldom comes here.
+[[gnu::noinline]] fieldInfo* inheritedField(readSection const& reading, classData const& owner, lookedUpName& asked,
+                                            bool searchAliases) {
+    fieldInfo* found = nullptr;
+    auto const isIn = [&](classData const* base) {
+        found = ownField(reading, checked(base), asked);
+        return found != nullptr;
+    };
+    // KEEP CF-07: the flags change places on the way up, so that the bases' own bases are searched only when
+    // aliases were asked for.
+    if (searchAliases) {
+        baseSearch(withinSection{reading}).any(owner, isIn);
+    } else {
+        anyDirectBase(reading, owner, isIn);
+    }
+    return found;
 }
 
 bool differAtMostInCase(scString left, scString right) {
@@ -58,7 +70,7 @@ fieldInfo* fieldThatTakes(classData& owner, heldMutex const& held, newName const
 // There must be room.
 void stage(classData& owner, heldMutex const& held, refPtr<fieldInfo> const& added, newName const& name) noexcept {
     owner.mHasCapitals = owner.mHasCapitals || !name.lowered.isTextOf(name.name);
-    owner.mFieldFilter.fetch_or(filterBit(nameKey(name.name)), std::memory_order_release);
+    owner.mFieldFilter.add(nameKey(name.name));
     owner.mFieldInfos.stage(held, {name.name, added.get()});
 }
 
@@ -68,20 +80,7 @@ fieldInfo* findField(readSection const& reading, classData const& owner, std::ws
                      bool searchAliases) {
     lookedUpName asked(name, owner.mCaseSensitiveNames);
     if (fieldInfo* const own = ownField(reading, owner, asked)) return own;
-    if (!searchBaseClasses) return nullptr;
-    fieldInfo* found = nullptr;
-    auto const isIn = [&](classData const* base) {
-        found = ownField(reading, checked(base), asked);
-        return found != nullptr;
-    };
-    // KEEP CF-07: the flags change places on the way up, so that the bases' own bases are searched only when
-    // aliases were asked for.
-    if (searchAliases) {
-        baseSearch(withinSection{reading}).any(owner, isIn);
-    } else {
-        anyDirectBase(reading, owner, isIn);
-    }
-    return found;
+    return searchBaseClasses ? inheritedField(reading, owner, asked, searchAliases) : nullptr;
 }
 
 refPtr<fieldInfo> addField(classData& owner, heldMutex const& held, refPtr<fieldInfo> const& added,
