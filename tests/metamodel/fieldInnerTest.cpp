@@ -95,7 +95,7 @@ TEST(fieldInner, isCopiedWithAllFlagsTextsAndDefinitions) {
     auto const copy = to->copyFieldInfoFrom(made.field, nullptr);
     EXPECT_EQ(testAccess::flags(*copy), 13);
     EXPECT_EQ(copy->semantic(), eSemCustom);
-    EXPECT_EQ(dataOf(copy).mCustomSemanticString.load().string(), L"Own Kind");
+    EXPECT_EQ(dataOf(copy).name(&fieldTexts::customSemantic).string(), L"Own Kind");
     int value = 0;
     EXPECT_TRUE(dataOf(copy).mDefinitions.getValue(L"Default", value));
     EXPECT_EQ(value, 7);
@@ -329,7 +329,7 @@ TEST(fieldInner, isMadeApartFromItsClassesList) {
 }
 
 string customTextOf(refPtr<fieldInfo> const& field) {
-    return dataOf(field).mCustomSemanticString.load().string();
+    return dataOf(field).name(&fieldTexts::customSemantic).string();
 }
 
 // behaviour: FS-08

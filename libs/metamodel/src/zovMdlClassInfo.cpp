@@ -74,7 +74,7 @@ classInfo::~classInfo() = default;
 void classInfo::destroy() {
     scopeExit const freed([this] { delete this; });
     writeLifeLine({zovlog::eLogTrace, "zov::metamodel::classInfo::~classInfo", sources::classInfo, __LINE__},
-                  L"classInfo released: \"%s\"", mData->mLabel);
+                  L"classInfo released: \"%s\"", label());
 }
 
 std::uint32_t classInfo::refCount() const {
@@ -89,7 +89,7 @@ std::uint32_t classInfo::release() {
 
 void classInfo::releaseInfo() {
     writeLifeLine({zovlog::eLogTrace, "zov::metamodel::classInfo::releaseInfo", sources::classInfo, __LINE__},
-                  L"classInfo releaseInfo called: \"%s\"", mData->mLabel);
+                  L"classInfo releaseInfo called: \"%s\"", label());
     heldMutex held(mData->mMutex);
     auto const fields = mData->mFieldInfos.clear(held);
     auto const bases = mData->mBaseClasses.clear(held);
@@ -131,11 +131,11 @@ scString const& classInfo::scName() const {
 }
 
 string const& classInfo::label() const {
-    return mData->mLabel;
+    return mData->mLabel ? *mData->mLabel : scString().string();
 }
 
 void classInfo::setLabel(string const& label) {
-    mData->mLabel = label;
+    if (!label.empty() || mData->mLabel) mData->mLabel.made() = label;
 }
 
 bool classInfo::isAbstract() const {

@@ -96,10 +96,11 @@ refPtr<fieldInfo> fieldInfo::copyFor(refPtr<metamodel::classInfo> const& owner, 
     refPtr<fieldInfo> copy(
         new fieldInfo(owner, scString::createFrom(name), type(), mData->mTypeAttribs, customTypeString().string()));
     fieldData& to = *copy->mData;
-    if (mData->mTexts) to.mTexts = std::make_unique<fieldTexts>(*mData->mTexts);
+    to.setText(&fieldTexts::label, label());
+    to.setText(&fieldTexts::unit, unit());
     to.mFlags = mData->mFlags.load();
     to.mSemantic = semantic();
-    to.mCustomSemanticString = mData->mCustomSemanticString.load();
+    to.setName(&fieldTexts::customSemantic, mData->name(&fieldTexts::customSemantic));
     to.mSemanticAttribs = mData->mSemanticAttribs;
     to.mDefinitions = mData->mDefinitions;
     to.mUserProperties = mData->mUserProperties;
@@ -222,11 +223,11 @@ scString fieldInfo::typeString() const {
 }
 
 scString fieldInfo::customTypeString() const noexcept {
-    return mData->mCustomTypeString;
+    return mData->name(&fieldTexts::customType);
 }
 
 void fieldInfo::setCustomTypeString(string const& text) {
-    mData->mCustomTypeString = scString::createFrom(text);
+    mData->setName(&fieldTexts::customType, scString::createFrom(text));
 }
 
 genericSet const& fieldInfo::typeAttribs() const noexcept {
@@ -304,7 +305,7 @@ wchar_t const* fieldInfo::referencedClasses() noexcept {
 scString fieldInfo::semanticString() const {
     fieldData const& defining = *root().mData;
     eFieldSemantics const sem = defining.mSemantic;
-    if (sem == eSemCustom || sem == eSemRelation) return defining.mCustomSemanticString;
+    if (sem == eSemCustom || sem == eSemRelation) return defining.name(&fieldTexts::customSemantic);
     return typeStringFromType(defining.mType);
 }
 
@@ -331,17 +332,17 @@ void fieldInfo::setSemantic(eFieldSemantics sem, genericSet const& attribs, stri
         mData->mSemantic = formerSemantic;
         mData->mFlags = formerFlags;
         mData->mType = formerType;
-        mData->mCustomSemanticString = scString();
+        mData->setName(&fieldTexts::customSemantic, scString());
     }
 }
 
 fieldInfo::semanticState fieldInfo::semanticNow() const {
-    return {mData->mSemantic, mData->mCustomSemanticString, mData->mSemanticAttribs};
+    return {mData->mSemantic, mData->name(&fieldTexts::customSemantic), mData->mSemanticAttribs};
 }
 
 void fieldInfo::restoreSemantic(semanticState former) noexcept {
     mData->mSemantic = former.mSemantic;
-    mData->mCustomSemanticString = former.mCustomSemanticString;
+    mData->setName(&fieldTexts::customSemantic, former.mCustomSemanticString);
     mData->mSemanticAttribs = std::move(former.mSemanticAttribs);
 }
 

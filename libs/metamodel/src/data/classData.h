@@ -6,6 +6,7 @@
 #include <mutex>
 
 #include "base/linkSlot.h"
+#include "base/madeWhenNeeded.h"
 #include "base/nameFilter.h"
 #include "data/fieldList.h"
 #include "data/relatedClasses.h"
@@ -36,7 +37,7 @@ struct classData {
     scString const mName;
     relatedClasses mDerivedClasses;
     std::atomic<std::uint64_t> mIdGeneration{0}; // counts how often the id set was dropped
-    string mLabel;
+    madeWhenNeeded<string> mLabel;
     genericSet mProperties; // "Alias": the alias list
     userProperties mUserProperties;
     std::recursive_mutex mutable mMutex; // held while a field list or a table is replaced, and while a semantic changes

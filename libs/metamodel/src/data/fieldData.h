@@ -3,9 +3,10 @@
 
 #include <atomic>
 #include <cstdint>
-#include <memory>
+#include <utility>
 
 #include "base/linkSlot.h"
+#include "base/madeWhenNeeded.h"
 #include "parts/userProperties.h"
 #include "zovGenericSet.h"
 #include "zovMdlClassInfo.h"
@@ -13,24 +14,34 @@
 
 namespace zov::metamodel {
 
-// Texts for people, which few fields have.
+// Texts that few fields have. Label and unit are set while a field is built; the others may change beside readers.
 struct fieldTexts {
     string label;
     string unit;
+    std::atomic<scString> customType{scString()};
+    std::atomic<scString> customSemantic{scString()};
 };
 
 struct fieldData {
     fieldData(refPtr<classInfo> const& owner, refPtr<fieldInfo> baseField, scString name, eFieldType type,
               scString customTypeString, genericSet const& typeAttribs)
-        : mClassInfo(owner), mBaseField(std::move(baseField)), mName(name), mType(type),
-          mCustomTypeString(customTypeString), mTypeAttribs(typeAttribs) {}
+        : mClassInfo(owner), mBaseField(std::move(baseField)), mName(name), mType(type), mTypeAttribs(typeAttribs) {
+        setName(&fieldTexts::customType, customTypeString);
+    }
 
     string const& text(string fieldTexts::*which) const noexcept {
         return mTexts ? *mTexts.*which : scString().string();
     }
     void setText(string fieldTexts::*which, string const& text) {
-        if (!mTexts) mTexts = std::make_unique<fieldTexts>();
-        *mTexts.*which = text;
+        if (!text.empty() || mTexts) mTexts.made().*which = text;
+    }
+
+    using nameSlot = std::atomic<scString> fieldTexts::*;
+    scString name(nameSlot which) const noexcept { return mTexts ? (*mTexts.*which).load() : scString(); }
+    // Throws std::bad_alloc, and nothing has changed. The empty name needs no memory.
+    void setName(nameSlot which, scString name) {
+        if (name != scString()) mTexts.made();
+        if (mTexts) *mTexts.*which = name;
     }
 
     linkSlot<classInfo> mClassInfo;
@@ -40,9 +51,7 @@ struct fieldData {
     std::atomic<eFieldSemantics> mSemantic{eSemNone};
     std::atomic<std::int32_t> mFlags{0};
     std::atomic<bool> mHasFurtherPairs{false}; // some relation leads from here by a pair that is not its first one
-    std::atomic<scString> mCustomTypeString;
-    std::atomic<scString> mCustomSemanticString{scString()};
-    std::unique_ptr<fieldTexts> mTexts; // made by the first text
+    madeWhenNeeded<fieldTexts> mTexts;
     genericSet mTypeAttribs;
     genericSet mSemanticAttribs;
     genericSet mDefinitions; // aliases, defaults, expressions, condition, equality: see parts/definitions.h

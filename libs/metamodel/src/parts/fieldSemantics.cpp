@@ -111,7 +111,7 @@ void applySemantic(fieldData& field, eFieldSemantics sem, genericSet const& attr
         field.mType = eTime;
         break;
     case eSemTimestamp: demandType(field, {{eTimestamp}, L"mType==eTimestamp", 623}); break;
-    case eSemCustom: field.mCustomSemanticString = customName(attribs, semStr); break;
+    case eSemCustom: field.setName(&fieldTexts::customSemantic, customName(attribs, semStr)); break;
     case eSemEnum:
         demandType(field, {{eBool, eShort, eInt, eLong, eFloat, eDouble, eString},
                            L"mType==eBool ||mType==eShort || mType==eInt || mType==eLong || mType==eFloat || "
