@@ -92,8 +92,17 @@ protected:
         mViolations.check(static_cast<bool>(mPart->toRelation(L"field29", true)));
         mViolations.check(!mPart->toRelation(L"unknown", true));
         mViolations.check(mPart->isDerivedFrom(mBase) && !mBase->isDerivedFrom(mPart));
+        readDefault();
         mViolations.check(mPart->countFields() == 31 && mModel->countClasses() >= 32);
         walk();
+    }
+
+    // Into a new value: assigning to one that is there is a change, for which the sharedPtrLocker is taken.
+    void readDefault() {
+        int number = 0;
+        zov::genericValue const copy(mDefault);
+        mViolations.check(copy.getValue(number) && number == 17);
+        mViolations.check(mDefault.getValue(number) && mDefault.type() == typeid(int));
     }
 
     void walk() {
@@ -130,6 +139,7 @@ protected:
     refPtr<modelInfo> const mModel = modelInfo::createModelInfo(false);
     refPtr<classInfo> const mBase = mModel->createClassInfo(L"base");
     refPtr<classInfo> const mPart = mModel->createClassInfo(L"part");
+    zov::genericValue const mDefault{17};
 };
 
 // behaviour: TH-04
@@ -169,7 +179,7 @@ TEST_F(readersThatNeverWait, lookUpWhileSeveralThreadsAreInsideAcceptOrWaitForIt
     EXPECT_EQ(mModel->countClasses(), 35u);
 }
 
-// behaviour: TH-04, TH-16
+// behaviour: TH-04, TH-16, GV-33
 TEST_F(readersThatNeverWait, lookUpWhileAnotherThreadHoldsTheSharedPtrLocker) {
     expectLookupsWhileThisThreadHolds<zov::sharedPtrLocker>();
 }

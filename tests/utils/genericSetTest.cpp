@@ -162,6 +162,47 @@ TEST(setEntry, outlivesItsPlaceInTheSet) {
     EXPECT_EQ(contentsOf(set), (contents{{L"k", L"2"}}));
 }
 
+// behaviour: GS-28
+TEST(copiedEntry, isIndependentOfTheSet) {
+    genericSet set;
+    set.setValue(L"k", 1, false);
+    genericValue copy(L"former");
+    EXPECT_TRUE(set.copyValue(key(L"k"), copy));
+    ASSERT_NE(copy.valuePtr<int>(), nullptr);
+    *copy.valuePtr<int>() = 2;
+    EXPECT_EQ(contentsOf(set), (contents{{L"k", L"1"}}));
+    EXPECT_EQ(std::as_const(set).genericValue(key(L"k")).refCount(), 2U);
+}
+
+// behaviour: GS-28
+TEST(copiedEntry, isEmptyWhereTheEntryIs) {
+    genericSet set;
+    set.setGenericValue(key(L"k"), genericValue(), false);
+    genericValue copy(1);
+    EXPECT_TRUE(set.copyValue(key(L"k"), copy));
+    EXPECT_TRUE(copy.isEmpty());
+}
+
+// behaviour: GS-28
+TEST(copiedEntry, leavesTheTargetAloneWhereThereIsNone) {
+    genericSet set;
+    genericValue copy(1);
+    EXPECT_FALSE(set.copyValue(key(L"k"), copy));
+    set.setValue(L"other", 2, false);
+    EXPECT_FALSE(set.copyValue(key(L"k"), copy));
+    EXPECT_EQ(*copy.valuePtr<int>(), 1);
+}
+
+// behaviour: GS-28
+TEST(copiedEntry, staysWhatItIsWhenItIsTheTargetItself) {
+    genericSet set;
+    set.setValue(L"k", 1, false);
+    sharedPtr<genericValue> const entry = set.genericValue(key(L"k"));
+    int const* const held = entry->valuePtr<int>();
+    EXPECT_TRUE(set.copyValue(key(L"k"), const_cast<genericValue&>(*entry)));
+    EXPECT_EQ(entry->valuePtr<int>(), held);
+}
+
 // behaviour: GS-10
 TEST(setValuePointer, leadsIntoTheSet) {
     genericSet set;

@@ -256,10 +256,7 @@ bool fieldInfo::getDefaultValue(genericValue& out, bool inherit) const {
     static scString const key = scString::createFrom(definitions::defaultValue);
     fieldInfo const* field = this;
     for (;; field = field->mData->mBaseField.get()) {
-        if (auto const stored = field->mData->mDefinitions.genericValue(key)) {
-            out = *stored;
-            return true;
-        }
+        if (field->mData->mDefinitions.copyValue(key, out)) return true;
         if (!inherit || !field->mData->mBaseField) return getDefaultFromType(field->mData->mType, out);
     }
 }

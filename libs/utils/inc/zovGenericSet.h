@@ -75,6 +75,10 @@ public:
     template <class T>
     bool getValue(wchar_t const* key, T& out) const;
 
+    // Makes `out` an independent copy of the entry for the key, unless it is that entry. Answers false, with `out` as
+    // it was, when there is none.
+    bool copyValue(scString const& key, zov::genericValue& out) const;
+
     // Calls `visit` for each entry that the set had when the walk began, in some order. Answers false when a
     // visit answered false and stopOnFalse is set (which ends the walk), else true. An empty function throws
     // std::bad_function_call at the first entry.

@@ -14,7 +14,7 @@
 // Threads: each held value has a lock of its own. Copying a value, getValue, assignText and setValue take it, so
 // one value may be read and written from several threads; pointers and references into it (valuePtr, value()) do
 // not. Assigning to one genericValue object from several threads exchanges under a sharedPtrLocker; copying
-// *from*, and reading, an object that another thread assigns to is safe too. Reading takes no lock that all share.
+// *from*, and reading, an object that another thread assigns to is safe too, and takes no lock that all share.
 //
 // Fails: std::bad_alloc, with both sides as before; and with what copying a T throws.
 #pragma once
@@ -190,12 +190,21 @@ public:
     holderbase const* heldBy() const noexcept { return mHolder.get(); }
 
 private:
+    friend class genericSet;
+
     // A counted pointer to the holder at this moment, safe against a concurrent assignment; takes no lock that all
     // values share.
     sharedPtr<holderbase> heldNow() const noexcept;
 
-    // A holder of its own for a copy of `other`; empty when that is empty.
-    static sharedPtr<holderbase> clonedFrom(genericValue const& other);
+    // Copies the bytes of a value that is held by exactly that holder class, if its lock is free; answers whether it
+    // did.
+    bool copyBytes(std::type_info const& holderClass, void* out, std::size_t size) const noexcept;
+
+    // A new holder of the same value; empty for an empty one.
+    static sharedPtr<holderbase> cloneOf(sharedPtr<holderbase> const& source);
+
+    // Holds a clone of `source`'s value from now on.
+    void assignClone(sharedPtr<holderbase> const& source);
 
     // Swaps with `other`, which belongs to the caller alone.
     void exchange(sharedPtr<holderbase>& other) noexcept;
@@ -423,6 +432,10 @@ T const* genericValue::valuePtr() const {
 
 template <class T>
 bool genericValue::getValue(T& out) const {
+    // Numbers and their like are seldom written just now: they need not be counted while they are copied.
+    if constexpr (std::is_trivially_copyable_v<T>) {
+        if (copyBytes(typeid(valueholder<T>), &out, sizeof(T))) return true;
+    }
     sharedPtr<holderbase> const source = heldNow();
     if (!source) return false;
     auto const* const held = detail::asHolderOf<T>(source.get());

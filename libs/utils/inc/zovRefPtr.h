@@ -22,6 +22,7 @@
 // last reference throws false, unless another exception is under way. Destructors of pointers never throw.
 #pragma once
 
+#include <atomic>
 #include <compare>
 #include <concepts>
 #include <cstddef>
@@ -33,6 +34,29 @@
 #include "zovUtilsApi.h"
 
 namespace zov {
+
+namespace detail {
+
+// A new reference needs no order: whoever adds one holds one already. Giving one up publishes what this thread
+// did with the object (release) to the thread that ends it (acquire).
+template <class Counter>
+std::int32_t increment(Counter volatile* counter) noexcept {
+    auto const before = std::atomic_ref(*const_cast<Counter*>(counter)).fetch_add(1, std::memory_order_relaxed);
+    return static_cast<std::int32_t>(before + 1);
+}
+
+template <class Counter>
+std::int32_t decrement(Counter volatile* counter) noexcept {
+    auto const before = std::atomic_ref(*const_cast<Counter*>(counter)).fetch_sub(1, std::memory_order_acq_rel);
+    return static_cast<std::int32_t>(before - 1);
+}
+
+// The counter's value at this moment; other threads may change it at any time.
+inline std::uint32_t counterValue(std::uint32_t const volatile* counter) noexcept {
+    return std::atomic_ref(*const_cast<std::uint32_t*>(counter)).load(std::memory_order_acquire);
+}
+
+} // namespace detail
 
 // Adds 1 to the counter atomically; returns the new value as a signed 32-bit number.
 ZOV_UTILS_API std::int32_t interlockedIncrement(unsigned long volatile* counter) noexcept;
@@ -124,9 +148,6 @@ struct ZOV_UTILS_TYPE release {
 };
 
 namespace detail {
-
-// The counter's value at this moment; other threads may change it at any time.
-ZOV_UTILS_API std::uint32_t counterValue(std::uint32_t const volatile* counter) noexcept;
 
 // Report "m_p != NULL" for a refPtr (line 156) or a const_refPtr (line 348), then throw false.
 [[noreturn]] ZOV_UTILS_API void failEmptyRefPtr();

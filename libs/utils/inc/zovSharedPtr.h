@@ -77,7 +77,7 @@ public:
     }
 
     countedPair(T* object, std::uint32_t volatile* counter) noexcept : mObject(object), mCounter(counter) {
-        if (mCounter) interlockedIncrement(mCounter);
+        if (mCounter) increment(mCounter);
     }
     countedPair(countedPair const& other) noexcept : countedPair(other.mObject, other.mCounter) {}
     countedPair(countedPair&& other) noexcept { swap(other); }
@@ -85,7 +85,7 @@ public:
     ~countedPair() {
         if (!mCounter) return;
         // Whoever holds the only reference need not tell others.
-        if (counterValue(mCounter) != 1 && interlockedDecrement(mCounter) != 0) return;
+        if (counterValue(mCounter) != 1 && decrement(mCounter) != 0) return;
         if (mObject) Delete()(mObject);
         shptr::releaseCounter(mCounter);
     }

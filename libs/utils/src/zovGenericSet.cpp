@@ -5,6 +5,7 @@
 #include <memory>
 #include <mutex>
 #include <new>
+#include <optional>
 #include <utility>
 
 #include "zovGuardedSwap.h"
@@ -77,6 +78,16 @@ struct genericSet::record {
         std::lock_guard const held(mGuard);
         entryOfSet const* const at = place(key);
         return holds(at, key) ? at->value : nullptr;
+    }
+
+    // Calls `look` with the entry's value, if there is one, under the guard; answers whether there is.
+    template <class Look>
+    bool look(scString key, Look const& look) const noexcept {
+        std::lock_guard const held(mGuard);
+        entryOfSet const* const at = place(key);
+        if (!holds(at, key)) return false;
+        look(*at->value);
+        return true;
     }
 
     // Swaps all entries with those of the caller's own.
@@ -256,6 +267,16 @@ bool genericSet::_setGenericValue(scString const& key, zov::genericValue& value,
 
 void genericSet::erase(scString const& key) {
     if (record* const held = mRecord.load(std::memory_order_acquire)) held->erase(key);
+}
+
+bool genericSet::copyValue(scString const& key, zov::genericValue& out) const {
+    record const* const from = mRecord.load(std::memory_order_acquire);
+    std::optional<sharedPtr<zov::genericValue::holderbase>> source; // of another value than `out`
+    bool const isThere = from && from->look(key, [&](zov::genericValue const& value) {
+        if (&value != &out) source.emplace(value.heldNow());
+    });
+    if (source) out.assignClone(*source);
+    return isThere;
 }
 
 bool genericSet::forEach(std::function<bool(scString const&, zov::genericValue const&)> const& visit,

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <cstring>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -146,12 +147,10 @@ slotLock& slotLockOf(genericValue const* value) noexcept {
 genericValue::genericValue(holderbase* newHolder)
     : mHolder(newHolder ? sharedPtr<holderbase>(newHolder) : sharedPtr<holderbase>()) {}
 
-genericValue::genericValue(genericValue const& other) : mHolder(clonedFrom(other)) {}
+genericValue::genericValue(genericValue const& other) : mHolder(cloneOf(other.heldNow())) {}
 
 genericValue& genericValue::operator=(genericValue const& other) {
-    if (this == &other) return *this;
-    sharedPtr<holderbase> next = clonedFrom(other);
-    exchange(next);
+    if (this != &other) assignClone(other.heldNow());
     return *this;
 }
 
@@ -161,15 +160,16 @@ genericValue& genericValue::operator=(genericValue&& other) noexcept {
     return *this;
 }
 
-sharedPtr<genericValue::holderbase> genericValue::clonedFrom(genericValue const& other) {
-    sharedPtr<holderbase> const source = [&other] {
-        sharedPtrLocker const guard;
-        return other.mHolder;
-    }();
+sharedPtr<genericValue::holderbase> genericValue::cloneOf(sharedPtr<holderbase> const& source) {
     return source ? sharedPtr<holderbase>(source->clone()) : sharedPtr<holderbase>();
 }
 
-// Under both locks: who copies takes the first, who reads the second.
+void genericValue::assignClone(sharedPtr<holderbase> const& source) {
+    sharedPtr<holderbase> next = cloneOf(source);
+    exchange(next);
+}
+
+// Under both locks: hosts know the first, readers and copies take the second.
 void genericValue::exchange(sharedPtr<holderbase>& other) noexcept {
     sharedPtrLocker const guard;
     std::lock_guard const held(slotLockOf(this));
@@ -179,6 +179,18 @@ void genericValue::exchange(sharedPtr<holderbase>& other) noexcept {
 sharedPtr<genericValue::holderbase> genericValue::heldNow() const noexcept {
     std::lock_guard const held(slotLockOf(this));
     return mHolder;
+}
+
+// Does not wait for the holder's lock: whoever has it may want the slot's.
+bool genericValue::copyBytes(std::type_info const& holderClass, void* out, std::size_t size) const noexcept {
+    std::lock_guard const guard(slotLockOf(this));
+    holderbase const* const held = mHolder.get();
+    if (!held || &typeid(*held) != &holderClass) return false;
+    spinLockerRecursive& lock = *static_cast<lockedHolder const*>(held)->locker();
+    if (!lock.tryLock()) return false;
+    std::memmove(out, held->valuePointer(), size);
+    lock.unlock();
+    return true;
 }
 
 std::type_info const& genericValue::type() const {

@@ -1,7 +1,6 @@
 #include "zovRefPtr.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cstring>
 #include <exception>
 #include <memory>
@@ -15,35 +14,21 @@ namespace zov {
 
 namespace {
 
-// A new reference needs no order: whoever adds one holds one already. Giving one up publishes what this thread
-// did with the object (release) to the thread that ends it (acquire).
-template <class Counter>
-std::int32_t increment(Counter volatile* counter) noexcept {
-    auto const before = std::atomic_ref(*const_cast<Counter*>(counter)).fetch_add(1, std::memory_order_relaxed);
-    return static_cast<std::int32_t>(before + 1);
-}
-
-template <class Counter>
-std::int32_t decrement(Counter volatile* counter) noexcept {
-    auto const before = std::atomic_ref(*const_cast<Counter*>(counter)).fetch_sub(1, std::memory_order_acq_rel);
-    return static_cast<std::int32_t>(before - 1);
-}
-
 constinit spinLockerRecursive referenceLock;
 
 } // namespace
 
 std::int32_t interlockedIncrement(unsigned long volatile* counter) noexcept {
-    return increment(counter);
+    return detail::increment(counter);
 }
 std::int32_t interlockedIncrement(std::uint32_t volatile* counter) noexcept {
-    return increment(counter);
+    return detail::increment(counter);
 }
 std::int32_t interlockedDecrement(unsigned long volatile* counter) noexcept {
-    return decrement(counter);
+    return detail::decrement(counter);
 }
 std::int32_t interlockedDecrement(std::uint32_t volatile* counter) noexcept {
-    return decrement(counter);
+    return detail::decrement(counter);
 }
 
 // Objects whose count has come to 0, in the order in which they end. The links lie in the objects themselves.
@@ -118,14 +103,14 @@ private:
         while (!mWaiting.isEmpty() || mSize > 0) {
             if (!mWaiting.isEmpty()) {
                 end(mWaiting.takeFirst());
-            } else if (refObj* const object = mEntries[--mSize]; interlockedDecrement(object->mWords) == 0) {
+            } else if (refObj* const object = mEntries[--mSize]; detail::decrement(object->mWords) == 0) {
                 end(object);
             }
         }
     }
 
     void countAtOnce(refObj* object) noexcept {
-        if (interlockedDecrement(object->mWords) == 0) mOwnWaiting.append(object);
+        if (detail::decrement(object->mWords) == 0) mOwnWaiting.append(object);
     }
 
     bool grow() noexcept {
@@ -207,13 +192,13 @@ void waitingObjects::prepend(waitingObjects& before) noexcept {
 refObj::~refObj() = default;
 
 std::uint32_t refObj::addRef() {
-    return static_cast<std::uint32_t>(interlockedIncrement(mWords));
+    return static_cast<std::uint32_t>(detail::increment(mWords));
 }
 
 std::uint32_t refObj::release() {
     if (refObjEnding::current()) [[unlikely]]
         return putOffRelease(this, currentCount() - 1);
-    auto const left = static_cast<std::uint32_t>(interlockedDecrement(mWords));
+    auto const left = static_cast<std::uint32_t>(detail::decrement(mWords));
     return left == 0 ? endUnreferenced(this) : left;
 }
 
@@ -229,10 +214,6 @@ referencePtrLocker::~referencePtrLocker() {
 }
 
 namespace detail {
-
-std::uint32_t counterValue(std::uint32_t const volatile* counter) noexcept {
-    return std::atomic_ref(*const_cast<std::uint32_t*>(counter)).load(std::memory_order_acquire);
-}
 
 void failEmptyRefPtr() {
     assertionFailed(L"m_p != NULL", "libs/utils/inc/zovRefPtr.h", 156);

@@ -31,6 +31,17 @@ public:
         mDepth = 1;
     }
 
+    // Takes the lock unless another thread has it; answers whether it did.
+    bool tryLock() noexcept {
+        void const* const self = &threadMark;
+        void const* owner = nullptr;
+        if (!mOwner.compare_exchange_strong(owner, self, std::memory_order_acquire, std::memory_order_relaxed) &&
+            owner != self)
+            return false;
+        ++mDepth;
+        return true;
+    }
+
     void unlock() noexcept {
         if (--mDepth == 0) mOwner.store(nullptr, std::memory_order_release);
     }
