@@ -16,7 +16,7 @@ namespace zov::benchmarks {
 
 namespace {
 
-constexpr modelSize size{1'000, 20};
+constexpr modelSize size{100, 20};
 
 // A model of its own, and a thread that registers further classes in it as long as this object lives.
 class writtenModel {
@@ -52,10 +52,11 @@ private:
     std::thread mWriter;
 };
 
-// Lets each of the benchmark's threads ask its part of the questions. The model is asked for when all threads are
-// there.
+// Lets each of the benchmark's threads ask its part of the questions. The parts are those of as many threads as there
+// can be, so that each thread looks at as much whether it is alone or not: a share of its own processor's cache that
+// grows with the number of threads would pass for a gain. The model is asked for when all threads are there.
 void askAtOnce(benchmark::State& state, operation what, std::function<contender const&()> const& model) {
-    std::size_t const share = countQuestions / static_cast<std::size_t>(state.threads());
+    std::size_t const share = countQuestions / mostThreads();
     std::size_t const first = share * static_cast<std::size_t>(state.thread_index());
     for (auto _ : state)
         benchmark::DoNotOptimize(model().ask(what, first, first + share));
