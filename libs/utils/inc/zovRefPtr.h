@@ -98,7 +98,7 @@ public:
     refObj& operator=(refObj const&) = delete;
 
     // Adds a reference; returns the new count. Not allowed on an object whose count has come back to 0.
-    virtual std::uint32_t addRef();
+    virtual std::uint32_t addRef() { return static_cast<std::uint32_t>(detail::increment(mWords)); }
 
     // Gives a reference up; returns the new count. The call that makes it 0 runs destroy(), exactly once.
     // Called while this thread is ending another object, it is put off until that object is gone, and returns

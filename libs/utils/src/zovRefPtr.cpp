@@ -191,10 +191,6 @@ void waitingObjects::prepend(waitingObjects& before) noexcept {
 
 refObj::~refObj() = default;
 
-std::uint32_t refObj::addRef() {
-    return static_cast<std::uint32_t>(detail::increment(mWords));
-}
-
 std::uint32_t refObj::release() {
     if (refObjEnding::current()) [[unlikely]]
         return putOffRelease(this, currentCount() - 1);
