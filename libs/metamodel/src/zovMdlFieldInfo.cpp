@@ -28,6 +28,12 @@ constexpr char const* createdBy = "zov::metamodel::fieldInfo::fieldInfo";
 // KEEP FR-04: the created line shows the label, which is always empty this early.
 constexpr wchar_t const* createdLine = L"fieldInfo created: \"%s\"";
 
+// Interned once.
+scString defaultValueKey() {
+    static scString const key = scString::createFrom(definitions::defaultValue);
+    return key;
+}
+
 } // namespace
 
 // ---- life
@@ -253,7 +259,7 @@ bool fieldInfo::getDefaultFromType(eFieldType type, genericValue& out) {
 }
 
 bool fieldInfo::getDefaultValue(genericValue& out, bool inherit) const {
-    static scString const key = scString::createFrom(definitions::defaultValue);
+    scString const key = defaultValueKey();
     fieldInfo const* field = this;
     for (;; field = field->mData->mBaseField.get()) {
         if (field->mData->mDefinitions.copyValue(key, out)) return true;
@@ -262,7 +268,7 @@ bool fieldInfo::getDefaultValue(genericValue& out, bool inherit) const {
 }
 
 bool fieldInfo::setDefaultValue(genericValue const& value) {
-    mData->mDefinitions.setGenericValue(scString::createFrom(definitions::defaultValue), value, true);
+    mData->mDefinitions.setGenericValue(defaultValueKey(), value, true);
     return true;
 }
 

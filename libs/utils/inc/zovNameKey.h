@@ -5,7 +5,8 @@
 //     asked.hash() == filed.hash();                          // equal, since the lowered text is that of the name
 //     asked.isTextOf(scString::createFrom(L"width"));        // true: the table's entry has the text asked for
 //
-// A table that is asked so need not find the handle of the text first. Nothing is interned or allocated.
+// A table that is asked so need not find the handle of the text first. Nothing is interned or allocated. Where it keeps
+// a filedName for each handle, it need not look at the names themselves either.
 //
 // A text of at most 31 units, all below 256 once they are folded, is known by its key whenever its name is interned.
 // Of any other text a key knows no more than the name that there was when the key was made: if there was none, it is
@@ -25,8 +26,7 @@
 
 namespace zov {
 
-// What a table may keep in place of a name's handle: a question is then answered without a look at the name itself,
-// which lies anywhere.
+// A name's handle with what questions are compared by; 48 bytes.
 class ZOV_UTILS_API filedName {
 public:
     explicit filedName(scString name) noexcept;

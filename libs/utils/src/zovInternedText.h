@@ -76,7 +76,7 @@ struct wideText {
 };
 
 inline std::uint64_t hashOf(internedText const& known) noexcept {
-    if (known.packed.words == packedText::bytesOfNone().words) return wideText<asWritten>{known.text}.hash();
+    if (known.packed == packedText::bytesOfNone()) return wideText<asWritten>{known.text}.hash();
     return narrowText{packedText(known.packed, known.text.size())}.hash();
 }
 

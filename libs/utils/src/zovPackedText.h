@@ -28,6 +28,11 @@ namespace zov {
 // The bytes of a packed text where they are kept.
 struct alignas(16) packedBytes {
     std::array<std::uint64_t, 4> words{};
+
+    friend constexpr bool operator==(packedBytes const& left, packedBytes const& right) noexcept {
+        return ((left.words[0] ^ right.words[0]) | (left.words[1] ^ right.words[1]) | (left.words[2] ^ right.words[2]) |
+                (left.words[3] ^ right.words[3])) == 0;
+    }
 };
 
 namespace detail {

@@ -91,11 +91,13 @@ public:
         if (former) waitForReaders();
     }
 
-    // Adds a copy of the entry, retained, where readers do not see it until it is committed. There must be room.
-    Entry& stage(heldMutex const& held, Entry const& added) noexcept {
+    // Adds a copy of the entry, retained, where readers do not see it until it is committed. There must be room. `key`
+    // is the entry's own.
+    Entry& stage(heldMutex const& held, Entry const& added, std::uint64_t key) noexcept {
         added.retain();
-        return mSlot.current(held)->stage(added);
+        return mSlot.current(held)->stage(added, key);
     }
+    Entry& stage(heldMutex const& held, Entry const& added) noexcept { return stage(held, added, keyOf(added)); }
 
     // Lets readers see all entries that have been staged, at once.
     void commit(heldMutex const& held) noexcept {
@@ -132,6 +134,14 @@ public:
     snapshotPtr clear(heldMutex const& held) noexcept { return snapshotPtr(mSlot.exchange(held, {})); }
 
 private:
+    static std::uint64_t keyOf([[maybe_unused]] Entry const& entry) noexcept {
+        if constexpr (Entry::isIndexed) {
+            return entry.key();
+        } else {
+            return 0;
+        }
+    }
+
     publishedSlot<block> mSlot;
 };
 
@@ -207,11 +217,10 @@ struct alignas(std::max<std::size_t>(alignof(Entry),
 
     std::span<Entry const> published() const noexcept { return {entries(), size.load()}; }
 
-    Entry& stage(Entry const& added) noexcept {
+    Entry& stage(Entry const& added, [[maybe_unused]] std::uint64_t key) noexcept {
         Entry& entry = *new (entries() + taken) Entry(added);
         ++taken;
         if constexpr (Entry::isIndexed) {
-            std::uint64_t const key = entry.key();
             std::uint64_t at = key;
             while (index()[at & (words - 1)].load(std::memory_order_relaxed) != 0)
                 ++at;
@@ -251,7 +260,7 @@ private:
 
     void takeOver(block const& former) noexcept {
         for (Entry const& entry : std::span(former.entries(), former.taken))
-            stage(entry);
+            stage(entry, keyOf(entry));
         head = former.head;
         commit();
     }

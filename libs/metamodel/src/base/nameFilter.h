@@ -7,6 +7,7 @@
 
 #include <array>
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 
 #include "zovNameKey.h"
@@ -16,16 +17,16 @@ namespace zov::metamodel {
 class nameFilter {
 public:
     // To be called before readers can find the name.
-    void add(nameKey const& name) noexcept { wordOf(name).fetch_or(bitsOf(name), std::memory_order_release); }
+    void add(nameKey const& name) noexcept { mWords[wordOf(name)].fetch_or(bitsOf(name), std::memory_order_release); }
 
     bool mayHave(nameKey const& name) const noexcept {
         std::uint64_t const bits = bitsOf(name);
-        return (const_cast<nameFilter*>(this)->wordOf(name).load(std::memory_order_acquire) & bits) == bits;
+        return (mWords[wordOf(name)].load(std::memory_order_acquire) & bits) == bits;
     }
 
 private:
     // Of the hash, parts that lists of less than a million names do not go by.
-    std::atomic<std::uint64_t>& wordOf(nameKey const& name) noexcept { return mWords[name.hash() >> 20 & 1]; }
+    static std::size_t wordOf(nameKey const& name) noexcept { return name.hash() >> 20 & 1; }
     static std::uint64_t bitsOf(nameKey const& name) noexcept {
         return std::uint64_t{1} << (name.hash() >> 21 & 63) | std::uint64_t{1} << (name.hash() >> 27 & 63);
     }

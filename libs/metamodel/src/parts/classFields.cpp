@@ -51,15 +51,20 @@ bool differAtMostInCase(scString left, scString right) {
 
 // The name of a field to be added.
 struct newName {
-    explicit newName(refPtr<fieldInfo> const& field) : name(field->scName()), lowered(name.string(), false) {}
+    explicit newName(refPtr<fieldInfo> const& field)
+        : name(field->scName()), lowered(name.string(), false), isLowered(lowered.isTextOf(name)) {}
+
+    // The key under which the field is filed.
+    nameKey filed() const noexcept { return isLowered ? lowered : nameKey(name); }
 
     scString name;
     nameKey lowered;
+    bool isLowered; // has no capitals
 };
 
 // The first field that takes the name, or null.
 fieldInfo* fieldThatTakes(classData& owner, heldMutex const& held, newName const& added, bool caseSensitive) {
-    if (caseSensitive) return ownField(readSection(), owner, nameKey(added.name));
+    if (caseSensitive) return ownField(readSection(), owner, added.filed());
     if (!owner.mHasCapitals) return ownField(readSection(), owner, added.lowered);
     for (fieldEntry const& entry : owner.mFieldInfos.entries(held)) {
         if (differAtMostInCase(entry.name, added.name)) return entry.field;
@@ -69,9 +74,10 @@ fieldInfo* fieldThatTakes(classData& owner, heldMutex const& held, newName const
 
 // There must be room.
 void stage(classData& owner, heldMutex const& held, refPtr<fieldInfo> const& added, newName const& name) noexcept {
-    owner.mHasCapitals = owner.mHasCapitals || !name.lowered.isTextOf(name.name);
-    owner.mFieldFilter.add(nameKey(name.name));
-    owner.mFieldInfos.stage(held, {name.name, added.get()});
+    nameKey const filed = name.filed();
+    owner.mHasCapitals = owner.mHasCapitals || !name.isLowered;
+    owner.mFieldFilter.add(filed);
+    owner.mFieldInfos.stage(held, {name.name, added.get()}, filed.hash());
 }
 
 } // namespace
