@@ -28,6 +28,10 @@ public:
     // Adds a field to the class that was added last. Only for kinds that can.
     virtual void addField(fieldPlan const& plan) = 0;
 
+    // Has the contender's library use up what it keeps in store of memory from former models, so that the next one
+    // shows what it takes.
+    virtual void takeSpareMemory() = 0;
+
     // Once before they are asked: prepares the questions about the workload that the contender has been filled with, in
     // the form in which a host of it holds names, asks each one, and throws std::runtime_error when an answer is wrong.
     virtual void takeQuestions(operation asked) = 0;

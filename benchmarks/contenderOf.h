@@ -18,6 +18,7 @@
 //     void forEachField(visit) const                      visit(first letter of the name, whether an int)
 //     int intDefault(fieldHandle const&) const
 //     void addField(classHandle const&, fieldPlan const&)
+//     void takeSpareMemory()                              where its library keeps memory in store
 //
 // or less:
 //
@@ -86,6 +87,10 @@ public:
 
     void addField([[maybe_unused]] fieldPlan const& plan) override {
         if constexpr (addsFields<Store>) mStore.addField(mClasses.back(), plan);
+    }
+
+    void takeSpareMemory() override {
+        if constexpr (requires { mStore.takeSpareMemory(); }) mStore.takeSpareMemory();
     }
 
     void takeQuestions(operation asked) override {

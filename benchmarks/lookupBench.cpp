@@ -40,7 +40,10 @@ void addLookups(runner& runs) {
                         benchmark::DoNotOptimize(standing.ask(asked, 0, count));
                     countEach(state, count);
                 };
-                runs.add(timed.mRow + ", " + size.text(), kind.mName, measure);
+                std::string const row = timed.mRow + ", " + size.text();
+                runs.before(row, kind.mName,
+                            [&runs, &kind, size, asked = timed.mAsked] { runs.standing(kind, size, asked); });
+                runs.add(row, kind.mName, measure);
             }
 }
 

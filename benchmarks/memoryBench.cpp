@@ -1,25 +1,20 @@
 // How many bytes a built model takes, by what the allocator has handed out, for each of its fields. Classes, indexes
 // and defaults are in it. This library's interned names are not, as models share them; the peers' own copies are.
-#include <malloc.h>
-
 #include <cstddef>
 #include <string>
 
+#include "allocatedBytes.h"
 #include "runner.h"
 
 namespace zov::benchmarks {
 
 namespace {
 
-std::size_t allocatedBytes() {
-    auto const state = mallinfo2();
-    return state.uordblks + state.hblkhd;
-}
-
 void measureMemory(benchmark::State& state, runner& runs, contenderKind const& kind, workload const& load) {
     for (auto _ : state) {
         buildWatch watch(runs, kind, load.classes().size());
         auto const made = kind.mMake(load);
+        made->takeSpareMemory();
         std::size_t const before = allocatedBytes();
         for (auto const& plan : load.classes()) {
             made->addClass(plan);

@@ -1,5 +1,7 @@
 #include "runner.h"
 
+#include <regex>
+
 namespace zov::benchmarks {
 
 benchmark::internal::Benchmark* runner::add(std::string const& row, std::string const& contenderName,
@@ -13,6 +15,24 @@ benchmark::internal::Benchmark* runner::add(std::string const& row, std::string 
             state.SkipWithError(failure.what());
         }
     });
+}
+
+void runner::before(std::string const& row, std::string const& contenderName, std::function<void()> make) {
+    mPreparations.emplace_back(row + "/" + contenderName, std::move(make));
+}
+
+void runner::prepare() {
+    std::string const filter = benchmark::GetBenchmarkFilter();
+    bool const isAll = filter.empty() || filter == "all";
+    bool const isInverted = !isAll && filter.front() == '-';
+    std::regex const wanted(isAll ? "." : filter.substr(isInverted ? 1 : 0), std::regex::extended);
+    for (auto const& [name, make] : mPreparations) {
+        if (std::regex_search(name, wanted) == isInverted) continue;
+        try {
+            make();
+        } catch (tooSlow const&) { // the benchmark says so
+        }
+    }
 }
 
 workload const& runner::loadOf(modelSize size) {

@@ -16,6 +16,7 @@
 #include <stdexcept>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include <benchmark/benchmark.h>
 
@@ -40,6 +41,13 @@ public:
     benchmark::internal::Benchmark* add(std::string const& row, std::string const& contenderName,
                                         std::function<void(benchmark::State&)> const& measure);
 
+    // Has `make` called by prepare() if a benchmark of that row and contender is going to run.
+    void before(std::string const& row, std::string const& contenderName, std::function<void()> make);
+
+    // Makes what the benchmarks ask, in their order, before any of them runs: so that the models lie in fresh memory,
+    // whichever benchmark comes first.
+    void prepare();
+
     workload const& loadOf(modelSize size);
 
     // A contender that holds the workload of that size and has taken the questions. Made once. Throws tooSlow.
@@ -49,6 +57,7 @@ private:
     friend class buildWatch;
 
     table& mResults;
+    std::vector<std::pair<std::string, std::function<void()>>> mPreparations; // by the benchmarks' names
     std::recursive_mutex mMutex;
     std::map<modelSize, std::unique_ptr<workload>> mLoads;
     std::map<std::pair<std::string, modelSize>, std::unique_ptr<contender>> mStanding;
