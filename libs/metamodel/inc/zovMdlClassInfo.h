@@ -218,9 +218,9 @@ public:
     static void setIsClosing(bool closing) noexcept;
     static bool isClosing() noexcept;
 
-    std::uint32_t refCount() const override;
-    std::uint32_t addRef() override;
-    std::uint32_t release() override;
+    std::uint32_t refCount() const override { return currentCount(); }
+    std::uint32_t addRef() override { return refObj::addRef(); }
+    std::uint32_t release() override { return refObj::release(); }
 
 private:
     friend class modelInfo;

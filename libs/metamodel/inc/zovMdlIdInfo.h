@@ -33,9 +33,9 @@ public:
     // (which ends the walk), else true. An empty function throws std::bad_function_call.
     bool forEachFieldInfo(std::function<bool(refPtr<fieldInfo>)> const& visit, bool stopOnFalse) const;
 
-    std::uint32_t refCount() const override;
-    std::uint32_t addRef() override;
-    std::uint32_t release() override;
+    std::uint32_t refCount() const override { return currentCount(); }
+    std::uint32_t addRef() override { return refObj::addRef(); }
+    std::uint32_t release() override { return refObj::release(); }
 
 private:
     friend class metamodel::classInfo;

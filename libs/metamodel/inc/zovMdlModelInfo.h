@@ -113,9 +113,9 @@ public:
     // of a walk and beside readers.
     void tearDown() noexcept;
 
-    std::uint32_t refCount() const override;
-    std::uint32_t addRef() override;
-    std::uint32_t release() override;
+    std::uint32_t refCount() const override { return currentCount(); }
+    std::uint32_t addRef() override { return refObj::addRef(); }
+    std::uint32_t release() override { return refObj::release(); }
 
 private:
     friend struct testAccess;

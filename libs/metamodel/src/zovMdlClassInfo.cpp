@@ -77,16 +77,6 @@ void classInfo::destroy() {
                   L"classInfo released: \"%s\"", label());
 }
 
-std::uint32_t classInfo::refCount() const {
-    return currentCount();
-}
-std::uint32_t classInfo::addRef() {
-    return refObj::addRef();
-}
-std::uint32_t classInfo::release() {
-    return refObj::release();
-}
-
 void classInfo::releaseInfo() {
     writeLifeLine({zovlog::eLogTrace, "zov::metamodel::classInfo::releaseInfo", sources::classInfo, __LINE__},
                   L"classInfo releaseInfo called: \"%s\"", label());

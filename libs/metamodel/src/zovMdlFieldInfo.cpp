@@ -74,16 +74,6 @@ void fieldInfo::destroy() {
                   L"fieldInfo released: \"%s\"", label());
 }
 
-std::uint32_t fieldInfo::refCount() const {
-    return currentCount();
-}
-std::uint32_t fieldInfo::addRef() {
-    return refObj::addRef();
-}
-std::uint32_t fieldInfo::release() {
-    return refObj::release();
-}
-
 void fieldInfo::releaseInfo() {
     writeLifeLine({zovlog::eLogInfo, "zov::metamodel::fieldInfo::releaseInfo", sources::fieldInfo, 177},
                   L"fieldInfo releaseInfo called: \"%s\"", label());

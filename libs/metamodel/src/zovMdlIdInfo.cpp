@@ -24,16 +24,6 @@ void idInfo::destroy() {
     delete this;
 }
 
-std::uint32_t idInfo::refCount() const {
-    return currentCount();
-}
-std::uint32_t idInfo::addRef() {
-    return refObj::addRef();
-}
-std::uint32_t idInfo::release() {
-    return refObj::release();
-}
-
 refPtr<classInfo> idInfo::classInfo() const {
     return mFields.front()->classInfo();
 }

@@ -64,16 +64,6 @@ void modelInfo::destroy() {
                   L"modelInfo released");
 }
 
-std::uint32_t modelInfo::refCount() const {
-    return currentCount();
-}
-std::uint32_t modelInfo::addRef() {
-    return refObj::addRef();
-}
-std::uint32_t modelInfo::release() {
-    return refObj::release();
-}
-
 void modelInfo::tearDown() noexcept {
     auto const classes = mRegistry->mClasses.clear(heldMutex(mRegistry->mMutex));
     waitForReaders();

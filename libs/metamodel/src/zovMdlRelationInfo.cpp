@@ -99,16 +99,6 @@ void relationInfo::destroy() {
                   L"relationInfo released: \"%s\" to \"%s\"", mData->mName.string(), mData->mReverseName.string());
 }
 
-std::uint32_t relationInfo::refCount() const {
-    return currentCount();
-}
-std::uint32_t relationInfo::addRef() {
-    return refObj::addRef();
-}
-std::uint32_t relationInfo::release() {
-    return refObj::release();
-}
-
 refPtr<classInfo> relationInfo::targetClass() const {
     return mData->mRelations.snapshot()->front().second->classInfo();
 }
