@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
-#include <mutex>
 #include <thread>
 
 #include "base/publishPoint.h"
@@ -29,7 +28,6 @@ constinit stripe stripes[stripeCount];
 alignas(apart) constinit std::atomic<unsigned> phase{0};
 
 alignas(apart) constinit std::atomic<std::uint64_t> threadsSeen{0};
-constinit std::mutex turnMutex; // held by the one writer that turns the phase
 
 constexpr unsigned noStripe = stripeCount;
 
@@ -61,6 +59,22 @@ void pause(int round) noexcept {
     std::this_thread::sleep_for(std::chrono::microseconds(50));
 }
 
+// Held by the one writer that turns the phase. Not a std::mutex, which not every C++ library has ready before main.
+class turn {
+public:
+    turn() noexcept {
+        for (int round = 0; isHeld.exchange(true, std::memory_order_acquire); ++round)
+            pause(round);
+    }
+    ~turn() { isHeld.store(false, std::memory_order_release); }
+    turn(turn const&) = delete;
+    turn& operator=(turn const&) = delete;
+
+private:
+    static constinit std::atomic<bool> isHeld;
+};
+constinit std::atomic<bool> turn::isHeld{false};
+
 void waitUntilEnded(unsigned inPhase) noexcept {
     auto const isQuiet = [inPhase](stripe const& own) { return own.open[inPhase].load() == 0; };
     for (int round = 0; !allStripes(isQuiet); ++round)
@@ -81,7 +95,7 @@ readSection::counter readSection::enter() noexcept {
 void waitForReaders() noexcept {
     publishPoint();
     if (allStripes([](stripe const& own) { return own.open[0].load() + own.open[1].load() == 0; })) return;
-    std::lock_guard const turn(turnMutex);
+    turn const mine;
     unsigned const now = phase.load();
     waitUntilEnded(1 - now);
     phase.store(1 - now);
