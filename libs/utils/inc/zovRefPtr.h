@@ -35,6 +35,15 @@
 
 namespace zov {
 
+// Adds 1 to the counter atomically; returns the new value as a signed 32-bit number.
+ZOV_UTILS_API std::int32_t interlockedIncrement(unsigned long volatile* counter) noexcept;
+ZOV_UTILS_API std::int32_t interlockedIncrement(std::uint32_t volatile* counter) noexcept;
+
+// Subtracts 1 from the counter atomically; returns the new value. The thread that reaches 0 sees all that other
+// threads wrote before their own decrement.
+ZOV_UTILS_API std::int32_t interlockedDecrement(unsigned long volatile* counter) noexcept;
+ZOV_UTILS_API std::int32_t interlockedDecrement(std::uint32_t volatile* counter) noexcept;
+
 namespace detail {
 
 // A new reference needs no order: whoever adds one holds one already. Giving one up publishes what this thread
@@ -57,15 +66,6 @@ inline std::uint32_t counterValue(std::uint32_t const volatile* counter) noexcep
 }
 
 } // namespace detail
-
-// Adds 1 to the counter atomically; returns the new value as a signed 32-bit number.
-ZOV_UTILS_API std::int32_t interlockedIncrement(unsigned long volatile* counter) noexcept;
-ZOV_UTILS_API std::int32_t interlockedIncrement(std::uint32_t volatile* counter) noexcept;
-
-// Subtracts 1 from the counter atomically; returns the new value. The thread that reaches 0 sees all that other
-// threads wrote before their own decrement.
-ZOV_UTILS_API std::int32_t interlockedDecrement(unsigned long volatile* counter) noexcept;
-ZOV_UTILS_API std::int32_t interlockedDecrement(std::uint32_t volatile* counter) noexcept;
 
 // Whoever can tell how many references lead to an object.
 class ZOV_UTILS_API iRefCount {
