@@ -17,6 +17,8 @@
 //     void prepareInherited()                             called once before the former
 //     void forEachField(visit) const                      visit(first letter of the name, whether an int)
 //     int intDefault(fieldHandle const&) const
+//     std::uint64_t keyOf(text const& className) const    what its index of classes goes by
+//     classHandle counted(classHandle const&) const       the same, counted once more
 //     void addField(classHandle const&, fieldPlan const&)
 //     void takeSpareMemory()                              where its library keeps memory in store
 //
@@ -57,6 +59,16 @@ concept readsDefaults = requires(Store const& store, typename Store::fieldHandle
 };
 
 template <class Store>
+concept makesKeys = requires(Store const& store, typename Store::text const& name) {
+    store.keyOf(name);
+};
+
+template <class Store>
+concept countsClasses = requires(Store const& store, typename Store::classHandle const& known) {
+    store.counted(known);
+};
+
+template <class Store>
 concept addsFields = requires(Store& store, typename Store::classHandle const& owner, fieldPlan const& plan) {
     store.addField(owner, plan);
 };
@@ -74,6 +86,8 @@ public:
         case operation::inheritedField: return findsInherited<Store>;
         case operation::walk: return walksFields<Store>;
         case operation::intDefault: return readsDefaults<Store>;
+        case operation::classKey: return makesKeys<Store>;
+        case operation::countedClass: return countsClasses<Store>;
         case operation::addField: return addsFields<Store>;
         case operation::addClassBesideReaders: return Store::isReadableBesideWriter;
         default: return true;
@@ -96,6 +110,8 @@ public:
     void takeQuestions(operation asked) override {
         switch (asked) {
         case operation::classByName: mKnownClasses = classQuestions(asked); break;
+        case operation::classKey: mNamesOfKeys = classQuestions(asked); break;
+        case operation::countedClass: takeClassesToCount(); break;
         case operation::unknownClass: mUnknownClasses = classQuestions(asked); break;
         case operation::qualifiedField: mKnownFields = fieldQuestions(asked); break;
         case operation::unknownField: mUnknownFields = fieldQuestions(asked); break;
@@ -124,6 +140,8 @@ public:
         case operation::fieldsByThread: return sumOf(mFieldsByThread, first, last, fieldNamed);
         case operation::sameFields: return sumOf(mSameFields, first, last, fieldNamed);
         case operation::inheritedField: return askInherited(first, last);
+        case operation::classKey: return makeKeys(first, last);
+        case operation::countedClass: return countClasses(first, last);
         case operation::intDefault: return askDefaults(first, last);
         case operation::walk: return walkAll();
         default: throw std::logic_error("not a question");
@@ -164,6 +182,23 @@ private:
         }
     }
 
+    std::uint64_t makeKeys([[maybe_unused]] std::size_t first, [[maybe_unused]] std::size_t last) const {
+        if constexpr (makesKeys<Store>) {
+            return sumOf(mNamesOfKeys, first, last, [this](text const& name) { return mStore.keyOf(name); });
+        } else {
+            return 0;
+        }
+    }
+
+    std::uint64_t countClasses([[maybe_unused]] std::size_t first, [[maybe_unused]] std::size_t last) const {
+        if constexpr (countsClasses<Store>) {
+            return sumOf(mCountedClasses, first, last,
+                         [this](classHandle const& known) { return isFound(mStore.counted(known)); });
+        } else {
+            return 0;
+        }
+    }
+
     std::uint64_t walkAll() const {
         std::uint64_t sum = 0;
         if constexpr (walksFields<Store>) {
@@ -188,6 +223,11 @@ private:
             require(found ? drawn.mAsked && mStore.isClass(found, *drawn.mAsked) : !drawn.mAsked, drawn);
         }
         return names;
+    }
+
+    void takeClassesToCount() {
+        for (auto const& drawn : makeQuestions(mLoad, operation::countedClass))
+            mCountedClasses.push_back(mClasses[static_cast<std::size_t>(drawn.mAsked - mLoad.classes().data())]);
     }
 
     void requireField(fieldHandle const& found, question const& asked) const {
@@ -238,6 +278,8 @@ private:
 
     std::vector<text> mKnownClasses;
     std::vector<text> mUnknownClasses;
+    std::vector<text> mNamesOfKeys;
+    std::vector<classHandle> mCountedClasses;
     std::vector<qualifiedText> mKnownFields;
     std::vector<qualifiedText> mUnknownFields;
     std::vector<qualifiedText> mFieldsByThread;

@@ -1,4 +1,5 @@
-// What a question costs, in nanoseconds: by name, with and without an answer, through bases; a walk; a default value.
+// What a question costs, in nanoseconds: by name, with and without an answer, through bases; a walk; a default value;
+// and what parts of that cost which no question can do without.
 #include <string>
 #include <vector>
 
@@ -22,6 +23,8 @@ std::vector<timedOperation> const timedOperations = {
     {operation::inheritedField, "L5 field three bases up", true},
     {operation::walk, "L6 walk, a field", false},
     {operation::intDefault, "V1 int default", false},
+    {operation::classKey, "P1 part of L1: the key of the name", true},
+    {operation::countedClass, "P2 part of L1: counting the class", true},
 };
 
 std::vector<modelSize> const sizes = {{100, 20}, {1'000, 20}, {10'000, 20}, {1, 1'000}};

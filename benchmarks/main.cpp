@@ -73,6 +73,7 @@ void runAll(int argc, char** argv) {
     addMemory(runs);
     addThreads(runs);
     addLattice(runs);
+    addMemoryWaits(runs);
     runs.prepare();
     tableReporter reporter(results);
     benchmark::RunSpecifiedBenchmarks(&reporter);

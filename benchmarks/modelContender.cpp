@@ -8,6 +8,7 @@
 #include "contenderOf.h"
 #include "contenders.h"
 #include "zovMetamodel.h"
+#include "zovNameKey.h"
 
 namespace zov::benchmarks {
 
@@ -116,6 +117,9 @@ public:
         value.getValue(number);
         return number;
     }
+
+    static std::uint64_t keyOf(text const& className) { return nameKey(className, false).hash(); }
+    static classHandle counted(classHandle const& known) { return known; }
 
     static bool isClass(classHandle const& found, classPlan const& plan) {
         return found->scName().string() == classNameOf(lowered(plan.mName));

@@ -96,5 +96,6 @@ void addBuilding(runner& runs);
 void addMemory(runner& runs);
 void addThreads(runner& runs);
 void addLattice(runner& runs);
+void addMemoryWaits(runner& runs);
 
 } // namespace zov::benchmarks

@@ -1,5 +1,6 @@
 // Threads that ask at once: for different classes, without and beside a writer, and for the same eight fields. The
-// quotients say how many times the answers of one thread several threads get in the same time.
+// quotients say how many times the answers of one thread several threads get in the same time. Beside them stand
+// threads that only add numbers, and so share nothing: more than they gain is not to be had from the machine.
 //
 // The writer registers a class of twenty fields, sleeps for a millisecond, and so on.
 #include <atomic>
@@ -82,8 +83,33 @@ measureFunction besideWriter(runner& runs, contenderKind const& kind) {
     };
 }
 
-// A row for each number of threads, and one for how much more than one thread each number gets.
-void addRows(runner& runs, std::string const& row, bool besidesWriter, auto const& measureOf) {
+measureFunction addingNumbers(contenderKind const&) {
+    return [](benchmark::State& state) {
+        constexpr std::size_t additions = 1'024;
+        std::size_t sum = 0;
+        for (auto _ : state)
+            for (std::size_t number = 0; number < additions; ++number)
+                benchmark::DoNotOptimize(sum += number);
+        countEach(state, additions);
+    };
+}
+
+bool isAny(contenderKind const&) {
+    return true;
+}
+
+bool isReadableBesideWriter(contenderKind const& kind) {
+    return kind.mCan(operation::addClassBesideReaders, size.mClasses);
+}
+
+// The column of what does not depend on a contender.
+bool isFirst(contenderKind const& kind) {
+    return &kind == &contenderKinds().front();
+}
+
+// A row for each number of threads, and one for how much more than one thread each number gets, of the contenders that
+// `isMeasured` accepts.
+void addRows(runner& runs, std::string const& row, bool (&isMeasured)(contenderKind const&), auto const& measureOf) {
     auto const rowOf = [&row](std::size_t threads) { return row + ", threads: " + std::to_string(threads); };
     std::vector<std::size_t> counts;
     for (std::size_t threads = 1; threads < mostThreads(); threads *= 2)
@@ -91,7 +117,7 @@ void addRows(runner& runs, std::string const& row, bool besidesWriter, auto cons
     counts.push_back(mostThreads());
     for (std::size_t const threads : counts)
         for (auto const& kind : contenderKinds()) {
-            if (besidesWriter && !kind.mCan(operation::addClassBesideReaders, size.mClasses)) continue;
+            if (!isMeasured(kind)) continue;
             runs.add(rowOf(threads), kind.mName, measureOf(kind))->Threads(static_cast<int>(threads))->UseRealTime();
         }
     for (std::size_t const threads : counts)
@@ -103,11 +129,13 @@ void addRows(runner& runs, std::string const& row, bool besidesWriter, auto cons
 } // namespace
 
 void addThreads(runner& runs) {
-    addRows(runs, "T different classes", false,
+    addRows(runs, "T different classes", isAny,
             [&runs](contenderKind const& kind) { return withoutWriter(runs, kind, operation::fieldsByThread); });
-    addRows(runs, "T beside a writer", true, [&runs](contenderKind const& kind) { return besideWriter(runs, kind); });
-    addRows(runs, "T the same fields", false,
+    addRows(runs, "T beside a writer", isReadableBesideWriter,
+            [&runs](contenderKind const& kind) { return besideWriter(runs, kind); });
+    addRows(runs, "T the same fields", isAny,
             [&runs](contenderKind const& kind) { return withoutWriter(runs, kind, operation::sameFields); });
+    addRows(runs, "T numbers added", isFirst, addingNumbers);
 }
 
 } // namespace zov::benchmarks
