@@ -3,6 +3,7 @@
 //
 //     failingAllocations armed(3);                 // three more allocations get through, the next ones fail
 //     failingAllocations armed(3, eOneAllocation); // the same, but those behind the failing one get through again
+//     failingAllocations armed(0, eCellBlocks);    // only the library's storage cells are not to be had
 //
 // Only the thread that armed the failure is affected, and only while it is armed.
 #pragma once
@@ -17,9 +18,14 @@ namespace zov::tests {
 // Counts down to the allocation that fails; negative while nothing is armed.
 inline thread_local long allocationsLeft = -1;
 
-// Whether the end of the countdown makes one allocation fail or all from there on.
-enum failureKind { eAllAllocations, eOneAllocation };
+// Whether the end of the countdown makes one allocation fail or all from there on, or all that are made for blocks of
+// storage cells, which alone want this alignment.
+enum failureKind { eAllAllocations, eOneAllocation, eCellBlocks };
+inline constexpr std::size_t alignmentOfCellBlocks = 32;
 inline thread_local failureKind failingNow = eAllAllocations;
+
+// Whether an allocation of this thread has failed since the failure was armed.
+inline thread_local bool hasFailed = false;
 
 // All allocations of this thread since it began, the failed ones included.
 inline thread_local std::size_t allocationsMade = 0;
@@ -29,8 +35,9 @@ inline thread_local long allocationsAlive = 0;
 
 inline void* allocateOrFail(std::size_t size, std::size_t alignment = alignof(std::max_align_t)) {
     ++allocationsMade;
-    if (allocationsLeft == 0) {
+    if (allocationsLeft == 0 && (failingNow != eCellBlocks || alignment == alignmentOfCellBlocks)) {
         if (failingNow == eOneAllocation) allocationsLeft = -1;
+        hasFailed = true;
         return nullptr;
     }
     if (allocationsLeft > 0) --allocationsLeft;
@@ -53,6 +60,7 @@ public:
     explicit failingAllocations(long passing, failureKind kind = eAllAllocations) noexcept {
         allocationsLeft = passing;
         failingNow = kind;
+        hasFailed = false;
     }
     ~failingAllocations() { allocationsLeft = -1; }
     failingAllocations(failingAllocations const&) = delete;

@@ -19,7 +19,7 @@ namespace {
 // Pools live as long as the process.
 constinit cellPool poolOf8(8);
 constinit cellPool poolOf16(16);
-constinit cellPool poolOf48(48);
+constinit cellPool poolOf32(32);
 constinit cellPool poolForThreads(16);
 constinit cellPool poolForManyThreads(16);
 
@@ -44,7 +44,7 @@ void takesDistinctCells(cellPool& pool, std::size_t size, std::size_t alignment)
 TEST(cellPool, givesEachCellToOne) {
     takesDistinctCells(poolOf8, 8, 8);
     takesDistinctCells(poolOf16, 16, 16);
-    takesDistinctCells(poolOf48, 48, 16);
+    takesDistinctCells(poolOf32, 32, 32);
 }
 
 TEST(cellPool, givesCellsAgain) {

@@ -1,25 +1,25 @@
 // Storage cells of one size, handed out and taken back without a trip to the allocator: counters, locks, small values.
 //
-// Each of the first threads of the process has a stripe of free cells that nobody else touches; all later ones share
-// the remaining stripes, each under a lock of its own. A stripe without a free cell takes a batch from the store that
-// all stripes share, or a new block when the store is empty; a stripe with many free cells hands a batch to the store.
-// So cells that one thread takes and another one gives back come round, and no more blocks are made than are needed
-// at a time, but for the few cells that each stripe keeps.
+// Each stripe of threads has free cells of its own. One without a free cell takes a batch from the store that all
+// stripes share, or a fresh cell when the store is empty; a stripe with many free cells hands a batch to the store. So
+// cells that one thread takes and another one gives back come round, and no more memory is taken than is needed at a
+// time, but for the few cells that each stripe keeps.
 //
-// A pool is never destroyed, and its blocks are never given back: objects that end after main still find it.
+// A pool is never destroyed, and its cells' memory is never given back: objects that end after main still find it.
 #pragma once
 
-#include <array>
+#include <atomic>
 #include <cstddef>
-#include <cstdint>
+#include <mutex>
 
 #include "zovLeafLock.h"
+#include "zovThreadStripe.h"
 
 namespace zov {
 
 class cellPool {
 public:
-    // Cells of 16 bytes and its multiples are aligned to 16 bytes, others to 8.
+    // Cells have 8, 16 or 32 bytes and are aligned to as many.
     constexpr explicit cellPool(std::size_t cellSize) noexcept : mCellSize(cellSize) {}
     cellPool(cellPool const&) = delete;
     cellPool& operator=(cellPool const&) = delete;
@@ -34,21 +34,19 @@ private:
     struct freeCell {
         freeCell* next;
     };
-    struct block {
-        block* next;
-    };
     struct chain {
         freeCell* first = nullptr;
         freeCell* last = nullptr;
         std::size_t length = 0;
     };
 
-    // On a cache line of its own: a stripe's thread disturbs no other one.
+    // On a cache line of its own: threads of one stripe disturb no other one.
     struct alignas(64) stripe {
         freeCell* first = nullptr;
         std::size_t length = 0;
         leafLock guard; // of stripes that several threads share
 
+        std::unique_lock<leafLock> guarded() noexcept; // not locked where the stripe is the thread's own
         void push(freeCell* cell) noexcept;
         freeCell* pop() noexcept;
         void append(chain const& cells) noexcept;
@@ -60,20 +58,15 @@ private:
     [[gnu::noinline]] void giveSlowly(void* cell) noexcept;
     [[gnu::noinline]] void handOn(stripe& from) noexcept;
 
-    static void numberThread() noexcept;
-
-    chain moreCells();
-    chain newBlock();
+    static void* popIfAny(stripe& from) noexcept;
+    bool isRefilled(stripe& empty) noexcept;
     void store(chain const& cells) noexcept;
 
     static freeCell* asFree(void* cell) noexcept;
 
-    static constexpr std::size_t ownedStripes = 48;
-    static constexpr std::size_t sharedStripes = 16;
-
-    std::array<stripe, ownedStripes + sharedStripes> mStripes{};
-    stripe mStore;            // under its guard
-    block* mBlocks = nullptr; // all blocks, so that leak checkers find them; under the store's guard
+    striped<stripe> mStripes{};
+    stripe mStore;                      // under its guard
+    std::atomic<bool> mHasStore{false}; // whether the store is worth looking at
     std::size_t const mCellSize;
 };
 
@@ -81,6 +74,5 @@ private:
 extern constinit cellPool cellsOf8;
 extern constinit cellPool cellsOf16;
 extern constinit cellPool cellsOf32;
-extern constinit cellPool cellsOf48;
 
 } // namespace zov

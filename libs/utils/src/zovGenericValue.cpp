@@ -69,30 +69,22 @@ genericValue::holderbase::~holderbase() = default;
 
 namespace {
 
-// Holders are given back without their size, so it is told in front of them whether they lie in a cell. As long as
-// the strictest alignment, so that the holder keeps it.
-struct alignas(__STDCPP_DEFAULT_NEW_ALIGNMENT__) holderFront {
-    bool inCell;
-};
-
-constexpr std::size_t holderCell = 48;
+// Holders are given back without their size. Where they lie tells where they come from: in a cell, which begins at a
+// multiple of 32 bytes, or, when they are larger, in storage of their own, 16 bytes behind such a place.
+constexpr std::size_t holderCell = 32;
+constexpr std::size_t behindCell = 16;
+static_assert(behindCell % __STDCPP_DEFAULT_NEW_ALIGNMENT__ == 0);
 
 } // namespace
 
 void* genericValue::holderbase::allocate(std::size_t size) {
-    std::size_t const whole = sizeof(holderFront) + size;
-    bool const inCell = whole <= holderCell;
-    auto* const front = ::new (inCell ? cellsOf48.take() : ::operator new(whole)) holderFront{inCell};
-    return front + 1;
+    if (size <= holderCell) return cellsOf32.take();
+    return static_cast<std::byte*>(::operator new(behindCell + size, std::align_val_t(holderCell))) + behindCell;
 }
 void genericValue::holderbase::deallocate(void* storage) noexcept {
     if (!storage) return;
-    auto* const front = static_cast<holderFront*>(storage) - 1;
-    if (front->inCell) {
-        cellsOf48.give(front);
-    } else {
-        ::operator delete(front);
-    }
+    if (reinterpret_cast<std::uintptr_t>(storage) % holderCell == 0) return cellsOf32.give(storage);
+    ::operator delete(static_cast<std::byte*>(storage) - behindCell, std::align_val_t(holderCell));
 }
 
 void genericValue::holderbase::refuseWriting() {

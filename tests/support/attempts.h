@@ -1,0 +1,56 @@
+// An action tried while memory runs out, and how it ended.
+//
+//     for (long passing = 0;; ++passing) {
+//         attempt const made = attempted(passing, eAllAllocations, [&] { return act(); });
+//         if (!made.allocationFailed) break;
+//     }
+#pragma once
+
+#include <functional>
+#include <new>
+#include <ostream>
+#include <string>
+
+#include "failingAllocations.h"
+#include "keptCells.h"
+
+namespace zov::tests {
+
+enum outcome { ePassed, eNull, eThrewFalse, eThrewBadAlloc, eThrewOther };
+
+inline void PrintTo(outcome value, std::ostream* out) {
+    static constexpr char const* names[] = {"passed", "null", "threw false", "threw bad_alloc", "threw something else"};
+    *out << names[value];
+}
+
+struct attempt {
+    outcome ended;
+    bool allocationFailed;
+};
+
+// All ways for allocations to fail.
+inline constexpr failureKind failureKinds[] = {eAllAllocations, eOneAllocation, eCellBlocks};
+
+inline std::string nameOf(failureKind kind) {
+    static constexpr char const* names[] = {"all allocations fail", "one allocation fails", "cells run out"};
+    return names[kind];
+}
+
+// Runs the action with the allocation after `passing` ones failing, where no cell is free; or, for eCellBlocks, with
+// eight bytes of cells for each `passing`. The action answers whether it yielded a result.
+inline attempt attempted(long passing, failureKind kind, std::function<bool()> const& action) {
+    bool const cellsRunOut = kind == eCellBlocks;
+    keptCells::leave(cellsRunOut ? static_cast<std::size_t>(passing) * 8 : 0);
+    failingAllocations const armed(cellsRunOut ? 0 : passing, kind);
+    outcome ended = eThrewOther;
+    try {
+        ended = action() ? ePassed : eNull;
+    } catch (bool thrown) {
+        ended = thrown ? eThrewOther : eThrewFalse;
+    } catch (std::bad_alloc const&) {
+        ended = eThrewBadAlloc;
+    }
+    return {ended, hasFailed};
+}
+
+} // namespace zov::tests
