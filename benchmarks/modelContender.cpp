@@ -82,7 +82,7 @@ public:
     // Keeps sets with a number until each of them takes memory of its own, as those of a process's first model do.
     void takeSpareMemory() {
         constexpr std::size_t batch = 20'000;   // asking the allocator takes long
-        constexpr std::size_t bytesOfOne = 140; // and some more
+        constexpr std::size_t bytesOfOne = 130; // and some more
         std::size_t taken = 0;
         for (std::size_t before = allocatedBytes(); taken < batch * bytesOfOne; before += taken) {
             for (std::size_t number = 0; number < batch; ++number)

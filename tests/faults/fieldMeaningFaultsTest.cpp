@@ -1,6 +1,6 @@
 // What a field means when memory runs out: in each test the n-th allocation fails, for n = 0, 1, 2 ... until the
-// scenario passes, once alone and once with all that follow, or the n-th cell. Either all is done, or std::bad_alloc
-// comes out and nothing is.
+// scenario passes, once alone and once with all that follow, or there are n times 8 bytes of cells. Either all is
+// done, or std::bad_alloc comes out and nothing is.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -144,6 +144,10 @@ void everyAllocationFailing(std::function<void(world&)> const& action, std::func
     EXPECT_EQ(named::alive, aliveBefore);
 }
 
+TEST(faultsOfFieldMeaning, comeWithCellsAsWell) {
+    EXPECT_TRUE(zov::tests::cellsRunOut());
+}
+
 // behaviour: FV-19
 TEST(faultsOfFieldMeaning, settingADefaultIsAllOrNothing) {
     genericValue const value(longText(L'D'));
@@ -172,47 +176,53 @@ TEST(faultsOfFieldMeaning, readingADefaultLeavesTheValueAsItWas) {
                                value = genericValue();
                                return read;
                            });
-    for (long passing = 0;; ++passing) {
-        world const given;
+    for (failureKind const kind : failureKinds) {
+        for (long passing = 0;; ++passing) {
+            world const given;
+            genericValue out(5);
+            int const* const before = out.valuePtr<int>();
+            bool failing = false;
+            outcome const ended = attempted(
+                passing, kind, [&] { given.field->getDefaultValue(out, true); }, failing);
+            if (ended == ePassed) break;
+            ASSERT_EQ(out.valuePtr<int>(), before);
+        }
+    }
+}
+
+void makeValueWhileMemoryFails(eFieldType type, bool isNull, failureKind kind) {
+    SCOPED_TRACE(type);
+    SCOPED_TRACE(nameOf(kind));
+    auto const part = classInfo::createClassInfo(L"part");
+    auto const field = part->createFieldInfo(L"width", type, genericSet(), L"");
+    int failures = 0;
+    bool failing = true;
+    for (long passing = 0; failing; ++passing) {
         genericValue out(5);
         int const* const before = out.valuePtr<int>();
-        bool failing = false;
-        outcome const ended = attempted(
-            passing, eOneAllocation, [&] { given.field->getDefaultValue(out, true); }, failing);
-        if (ended == ePassed) break;
-        ASSERT_EQ(out.valuePtr<int>(), before);
+        auto const make = [&] {
+            if (isNull)
+                out = field->createNullValue();
+            else
+                fieldInfo::getDefaultFromType(type, out);
+        };
+        outcome const ended = attempted(passing, kind, make, failing);
+        if (ended == ePassed) continue;
+        ++failures;
+        EXPECT_EQ(ended, eThrewBadAlloc);
+        EXPECT_EQ(out.valuePtr<int>(), before);
     }
+    EXPECT_GT(failures, 0);
+    part->tearDown();
 }
 
 // behaviour: FV-19
 TEST(faultsOfFieldMeaning, makingTypeDefaultsAndNullValuesThrowsBadAlloc) {
     for (eFieldType const type : {eBool, eShort, eInt, eLong, eFloat, eDouble, eString, eDate, eTime, eTimestamp,
-                                  eBinary, eDirectory, eFile, eSearchPath}) {
-        SCOPED_TRACE(type);
-        auto const part = classInfo::createClassInfo(L"part");
-        auto const field = part->createFieldInfo(L"width", type, genericSet(), L"");
-        for (bool const isNull : {false, true}) {
-            int failures = 0;
-            bool failing = true;
-            for (long passing = 0; failing; ++passing) {
-                genericValue out(5);
-                int const* const before = out.valuePtr<int>();
-                auto const make = [&] {
-                    if (isNull)
-                        out = field->createNullValue();
-                    else
-                        fieldInfo::getDefaultFromType(type, out);
-                };
-                outcome const ended = attempted(passing, eAllAllocations, make, failing);
-                if (ended == ePassed) continue;
-                ++failures;
-                EXPECT_EQ(ended, eThrewBadAlloc);
-                EXPECT_EQ(out.valuePtr<int>(), before);
-            }
-            EXPECT_GT(failures, 0);
-        }
-        part->tearDown();
-    }
+                                  eBinary, eDirectory, eFile, eSearchPath})
+        for (bool const isNull : {false, true})
+            for (failureKind const kind : failureKinds)
+                makeValueWhileMemoryFails(type, isNull, kind);
 }
 
 // behaviour: EI-12

@@ -1,5 +1,6 @@
 // What a host sees of a model when memory runs out: in each test the n-th allocation fails, for n = 0, 1, 2 ... until
-// the scenario passes; once alone and once with all that follow; without a log and with one at trace level.
+// the scenario passes; once alone and once with all that follow; and once there are so many times 8 bytes of cells;
+// without a log and with one at trace level.
 // Leaks are the leak sanitizer's to find: every test frees all it makes.
 #include <gtest/gtest.h>
 
@@ -7,7 +8,6 @@
 #include <cstdio>
 #include <fstream>
 #include <functional>
-#include <new>
 #include <string>
 #include <vector>
 
@@ -32,7 +32,6 @@ using zov::metamodel::idInfo;
 using zov::metamodel::modelInfo;
 using zov::tests::attempt;
 using zov::tests::attempted;
-using zov::tests::failingAllocations;
 using zov::tests::failureKind;
 using zov::tests::failureKinds;
 using zov::tests::nameOf;
@@ -249,6 +248,10 @@ private:
     refPtr<modelInfo> mModel;
 };
 
+TEST(faultsOfModels, comeWithCellsAsWell) {
+    EXPECT_TRUE(zov::tests::cellsRunOut());
+}
+
 // behaviour: AF-01
 TEST(faultsOfModels, createModelInfoYieldsNull) {
     everyAllocationFailing<modelIsMade>(eNull);
@@ -369,22 +372,27 @@ private:
     bool mInLabel = false;
 };
 
+void registerWhileMemoryFails(failureKind kind, bool logging) {
+    silentHost const host(logging);
+    SCOPED_TRACE(nameOf(kind));
+    for (long passing = 0;; ++passing) {
+        SCOPED_TRACE("allocation " + std::to_string(passing));
+        labelledClassIsRegistered world;
+        auto const before = world.state();
+        auto const made = attempted(passing, kind, [&] { return world.act(); });
+        world.check(made);
+        if (made.ended != ePassed) {
+            EXPECT_EQ(world.state(), before);
+        }
+        if (testing::Test::HasFailure() || !made.allocationFailed) break;
+    }
+}
+
 // behaviour: AF-05
 TEST(faultsOfModels, whatAcceptThrowsComesOut) {
-    for (bool const logging : {false, true}) {
-        silentHost const host(logging);
-        for (long passing = 0;; ++passing) {
-            SCOPED_TRACE("allocation " + std::to_string(passing));
-            labelledClassIsRegistered world;
-            auto const before = world.state();
-            auto const made = attempted(passing, eAllAllocations, [&] { return world.act(); });
-            world.check(made);
-            if (made.ended != ePassed) {
-                EXPECT_EQ(world.state(), before);
-            }
-            if (HasFailure() || !made.allocationFailed) break;
-        }
-    }
+    for (failureKind const kind : failureKinds)
+        for (bool const logging : {false, true})
+            registerWhileMemoryFails(kind, logging);
     EXPECT_TRUE(labelledClassIsRegistered::sawLabelFailing);
 }
 
@@ -795,15 +803,17 @@ private:
 // behaviour: AF-11
 TEST(faultsOfClasses, addingAKnownAliasAgainKeepsTheOrderOrMovesIt) {
     silentHost const host(false);
-    for (long passing = 0;; ++passing) {
-        aliasIsAddedAgain world;
-        auto const before = world.state();
-        auto const made = attempted(passing, eAllAllocations, [&] { return world.act(); });
-        EXPECT_EQ(made.ended == ePassed, world.state() != before);
-        if (made.ended != ePassed) {
-            EXPECT_EQ(made.ended, eThrewBadAlloc);
+    for (failureKind const kind : failureKinds) {
+        for (long passing = 0;; ++passing) {
+            aliasIsAddedAgain world;
+            auto const before = world.state();
+            auto const made = attempted(passing, kind, [&] { return world.act(); });
+            EXPECT_EQ(made.ended == ePassed, world.state() != before);
+            if (made.ended != ePassed) {
+                EXPECT_EQ(made.ended, eThrewBadAlloc);
+            }
+            if (HasFailure() || !made.allocationFailed) break;
         }
-        if (HasFailure() || !made.allocationFailed) break;
     }
 }
 
@@ -968,12 +978,14 @@ TEST(faultsOfSemantics, anEnumerationIsRolledBackToThePrimaryKeyThatItWas) {
 template <class Walk>
 void walkWhileMemoryFails(Walk const& walk) {
     silentHost const host(false);
-    for (long passing = 0;; ++passing) {
-        auto const made = attempted(passing, eAllAllocations, walk);
-        if (made.ended != ePassed) {
-            EXPECT_EQ(made.ended, eThrewBadAlloc);
+    for (failureKind const kind : failureKinds) {
+        for (long passing = 0;; ++passing) {
+            auto const made = attempted(passing, kind, walk);
+            if (made.ended != ePassed) {
+                EXPECT_EQ(made.ended, eThrewBadAlloc);
+            }
+            if (testing::Test::HasFailure() || !made.allocationFailed) break;
         }
-        if (testing::Test::HasFailure() || !made.allocationFailed) break;
     }
 }
 

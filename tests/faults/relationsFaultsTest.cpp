@@ -1,12 +1,12 @@
 // What a host sees of relations and user properties when memory runs out: in each test the n-th allocation fails, for
-// n = 0, 1, 2 ... until the scenario passes; once alone and once with all that follow; without a log and with one.
+// n = 0, 1, 2 ... until the scenario passes; once alone and once with all that follow; and once there are so many times
+// 8 bytes of cells; without a log and with one.
 // Leaks are the leak sanitizer's to find: every test frees all it makes.
 #include <gtest/gtest.h>
 
 #include <array>
 #include <atomic>
 #include <functional>
-#include <new>
 #include <string>
 #include <vector>
 
@@ -281,6 +281,10 @@ public:
         return static_cast<bool>(mMade);
     }
 };
+
+TEST(faultsOfRelations, comeWithCellsAsWell) {
+    EXPECT_TRUE(zov::tests::cellsRunOut());
+}
 
 // behaviour: CR-16
 TEST(faultsOfRelations, createRelationToAClassYieldsAnEmptyPointer) {

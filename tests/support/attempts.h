@@ -53,4 +53,13 @@ inline attempt attempted(long passing, failureKind kind, std::function<bool()> c
     return {ended, hasFailed};
 }
 
+// Whether a value cannot be made when it needs one more cell than there are: what makes eCellBlocks mean anything.
+inline bool cellsRunOut() {
+    auto const make = [] { return !genericValue(7).isEmpty(); };
+    long needed = 0;
+    while (attempted(needed, eCellBlocks, make).ended == eThrewBadAlloc)
+        ++needed;
+    return needed > 1 && attempted(needed, eCellBlocks, make).ended == ePassed;
+}
+
 } // namespace zov::tests

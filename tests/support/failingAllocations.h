@@ -19,7 +19,7 @@ namespace zov::tests {
 inline thread_local long allocationsLeft = -1;
 
 // Whether the end of the countdown makes one allocation fail or all from there on, or all that are made for blocks of
-// storage cells, which alone want this alignment.
+// storage cells. These want this alignment, as does nothing else but the storage of large holders.
 enum failureKind { eAllAllocations, eOneAllocation, eCellBlocks };
 inline constexpr std::size_t alignmentOfCellBlocks = 32;
 inline thread_local failureKind failingNow = eAllAllocations;

@@ -1,5 +1,7 @@
 // The pools behind counters, locks and small values, which hosts do not see.
 #include "zovCellPool.h"
+#include "zovFreshCells.h"
+#include "zovThreadStripe.h"
 
 #include <gtest/gtest.h>
 
@@ -39,6 +41,22 @@ void takesDistinctCells(cellPool& pool, std::size_t size, std::size_t alignment)
             ASSERT_EQ(cells[static_cast<std::size_t>(number)][at], number % 251);
     for (unsigned char* const cell : cells)
         pool.give(cell);
+}
+
+constinit freshCells someFresh;
+
+TEST(freshCells, lieSideBySideWhateverTheirSizes) {
+    threadStripe::prepare();
+    auto const take = [](std::size_t size) { return static_cast<std::byte*>(someFresh.take(size)); };
+    std::byte* const first = take(16);
+    EXPECT_EQ(take(8), first + 16);
+    EXPECT_EQ(take(32), first + 32);
+    EXPECT_EQ(take(8), first + 24);
+    EXPECT_EQ(take(8), first + 64);
+    EXPECT_EQ(take(16), first + 80);
+    EXPECT_EQ(take(8), first + 72);
+    EXPECT_EQ(take(16), first + 96);
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(first) % 32, 0U);
 }
 
 TEST(cellPool, givesEachCellToOne) {

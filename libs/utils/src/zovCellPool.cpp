@@ -50,7 +50,7 @@ void* cellPool::takeSlowly() {
     threadStripe::prepare();
     stripe& from = mStripes[threadStripe::index()];
     void* cell = popIfAny(from);
-    if (!cell && isRefilled(from)) cell = popIfAny(from);
+    if (!cell && refill(from)) cell = popIfAny(from);
     if (!cell) cell = fresh.take(mCellSize);
     permitCell(cell, mCellSize);
     return cell;
@@ -77,20 +77,20 @@ void cellPool::handOn(stripe& from) noexcept {
 }
 
 void* cellPool::popIfAny(stripe& from) noexcept {
-    auto const held = from.guarded();
+    auto const held = guardedStripe(from.guard);
     return from.first ? from.pop() : nullptr;
 }
 
 // Gives the stripe a batch from the store; answers whether there was one.
-bool cellPool::isRefilled(stripe& empty) noexcept {
+bool cellPool::refill(stripe& empty) noexcept {
     if (!mHasStore.load(std::memory_order_relaxed)) return false;
-    std::unique_lock store(mStore.guard);
+    std::unique_lock heldStore(mStore.guard);
     if (!mStore.first) return false;
-    chain const batch = mStore.cutBatch();
+    chain const cells = mStore.cutBatch();
     mHasStore.store(mStore.first != nullptr, std::memory_order_relaxed);
-    store.unlock();
-    auto const held = empty.guarded();
-    empty.append(batch);
+    heldStore.unlock();
+    auto const held = guardedStripe(empty.guard);
+    empty.append(cells);
     return true;
 }
 
@@ -102,10 +102,6 @@ void cellPool::store(chain const& cells) noexcept {
 
 ZOV_OF_THE_POOL cellPool::freeCell* cellPool::asFree(void* cell) noexcept {
     return ::new (cell) freeCell;
-}
-
-std::unique_lock<leafLock> cellPool::stripe::guarded() noexcept {
-    return threadStripe::isOwn() ? std::unique_lock<leafLock>() : std::unique_lock(guard);
 }
 
 ZOV_OF_THE_POOL void cellPool::stripe::push(freeCell* cell) noexcept {

@@ -3,14 +3,13 @@
 // Each stripe of threads has free cells of its own. One without a free cell takes a batch from the store that all
 // stripes share, or a fresh cell when the store is empty; a stripe with many free cells hands a batch to the store. So
 // cells that one thread takes and another one gives back come round, and no more memory is taken than is needed at a
-// time, but for the few cells that each stripe keeps.
+// time, but for the few cells that each stripe keeps, and what is left of the block that it cuts fresh ones from.
 //
 // A pool is never destroyed, and its cells' memory is never given back: objects that end after main still find it.
 #pragma once
 
 #include <atomic>
 #include <cstddef>
-#include <mutex>
 
 #include "zovLeafLock.h"
 #include "zovThreadStripe.h"
@@ -46,7 +45,6 @@ private:
         std::size_t length = 0;
         leafLock guard; // of stripes that several threads share
 
-        std::unique_lock<leafLock> guarded() noexcept; // not locked where the stripe is the thread's own
         void push(freeCell* cell) noexcept;
         freeCell* pop() noexcept;
         void append(chain const& cells) noexcept;
@@ -59,7 +57,7 @@ private:
     [[gnu::noinline]] void handOn(stripe& from) noexcept;
 
     static void* popIfAny(stripe& from) noexcept;
-    bool isRefilled(stripe& empty) noexcept;
+    bool refill(stripe& empty) noexcept;
     void store(chain const& cells) noexcept;
 
     static freeCell* asFree(void* cell) noexcept;

@@ -10,7 +10,7 @@ namespace zov {
 
 namespace {
 
-// With what the allocator needs for itself, a block takes four kilobytes at most.
+// Four kilobytes, with what the allocator is likely to need for itself.
 constexpr std::size_t blockHeader = freshCells::largest;
 constexpr std::size_t roomInBlock = 4032;
 static_assert(roomInBlock % freshCells::largest == 0);
@@ -19,35 +19,32 @@ static_assert(roomInBlock % freshCells::largest == 0);
 
 void* freshCells::take(std::size_t size) {
     stripe& from = mStripes[threadStripe::index()];
-    return threadStripe::isOwn() ? takeOwn(from, size) : takeShared(from, size);
-}
-
-void* freshCells::takeOwn(stripe& from, std::size_t size) {
+    auto held = guardedStripe(from.guard);
     if (void* const cell = from.cut(size)) return cell;
-    from.replace(newBlock());
-    return from.cut(size);
-}
 
-// A block is made outside of the guard: the allocator may be a host's. When two threads make one at a time, what is
-// left of the first is lost.
-void* freshCells::takeShared(stripe& from, std::size_t size) {
-    std::unique_lock held(from.guard);
-    if (void* const cell = from.cut(size)) return cell;
-    held.unlock();
-    std::byte* const made = newBlock();
-    held.lock();
-    from.replace(made);
-    return from.cut(size);
-}
-
-std::byte* freshCells::newBlock() {
+    // A block is made outside of the guard, since the allocator may be a host's. Meanwhile another thread of the
+    // stripe, or that allocator itself, may have been here and made one.
+    if (held) held.unlock();
     void* const storage = ::operator new(blockHeader + roomInBlock, std::align_val_t(largest));
+    held = guardedStripe(from.guard);
+    if (void* const cell = from.cut(size)) {
+        if (held) held.unlock();
+        ::operator delete(storage, std::align_val_t(largest));
+        return cell;
+    }
+    from.first = static_cast<std::byte*>(storage) + blockHeader;
+    from.left = roomInBlock;
+    forbidCell(from.first, roomInBlock);
+    void* const cell = from.cut(size);
+    if (held) held.unlock();
+    keep(storage);
+    return cell;
+}
+
+void freshCells::keep(void* storage) noexcept {
     auto* const made = ::new (storage) block{nullptr};
-    std::byte* const room = static_cast<std::byte*>(storage) + blockHeader;
-    forbidCell(room, roomInBlock);
     std::lock_guard const held(mGuard);
     made->next = std::exchange(mBlocks, made);
-    return room;
 }
 
 std::byte* freshCells::stripe::cut(std::size_t size) noexcept {
@@ -61,11 +58,6 @@ std::byte* freshCells::stripe::cut(std::size_t size) noexcept {
     if (left == 0) return nullptr;
     left -= size;
     return std::exchange(first, first + size);
-}
-
-void freshCells::stripe::replace(std::byte* begin) noexcept {
-    first = begin;
-    left = roomInBlock;
 }
 
 } // namespace zov

@@ -1,5 +1,5 @@
 // Memory for the cells of all pools. What one thread takes one after another lies side by side, whatever the sizes: the
-// pieces of a value (itself, its holder, lock, number and counters) share two or three cache lines, which are theirs.
+// pieces of a value (itself, its holder, lock, number and counters) share two or three cache lines.
 //
 // Cells have 8, 16 or 32 bytes and are aligned to as many. Nothing is ever given back here, and nothing lost: a cell is
 // the half of one twice its size, and the other half is the next one of its size.
@@ -38,12 +38,9 @@ private:
         leafLock guard;                   // of stripes that several threads share
 
         std::byte* cut(std::size_t size) noexcept; // null when nothing is left
-        void replace(std::byte* begin) noexcept;
     };
 
-    void* takeOwn(stripe& from, std::size_t size);
-    void* takeShared(stripe& from, std::size_t size);
-    std::byte* newBlock();
+    void keep(void* storage) noexcept;
 
     striped<stripe> mStripes{};
     leafLock mGuard;

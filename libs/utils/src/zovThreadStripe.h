@@ -6,7 +6,9 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <mutex>
 
+#include "zovLeafLock.h"
 #include "zovThreads.h"
 
 namespace zov {
@@ -29,6 +31,11 @@ public:
 private:
     ZOV_NEAR_THREAD static constinit thread_local std::uint64_t number;
 };
+
+// The lock of the thread's stripe: held, unless the stripe is its own.
+inline std::unique_lock<leafLock> guardedStripe(leafLock& guard) noexcept {
+    return threadStripe::isOwn() ? std::unique_lock<leafLock>() : std::unique_lock(guard);
+}
 
 template <class Stripe>
 using striped = std::array<Stripe, threadStripe::owned + threadStripe::shared>;

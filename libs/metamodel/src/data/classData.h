@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <mutex>
 
@@ -44,5 +45,7 @@ struct alignas(64) classData {
     userProperties mUserProperties;
     std::recursive_mutex mutable mMutex; // held while a field list or a table is replaced, and while a semantic changes
 };
+
+static_assert(offsetof(classData, mFieldInfos) + sizeof(fieldList) <= 64);
 
 } // namespace zov::metamodel
