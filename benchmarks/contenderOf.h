@@ -109,8 +109,10 @@ public:
 
     void takeQuestions(operation asked) override {
         switch (asked) {
-        case operation::classByName: mKnownClasses = classQuestions(asked); break;
-        case operation::classKey: mNamesOfKeys = classQuestions(asked); break;
+        case operation::classByName:
+        case operation::classKey:
+            if (mKnownClasses.empty()) mKnownClasses = classQuestions(operation::classByName);
+            break;
         case operation::countedClass: takeClassesToCount(); break;
         case operation::unknownClass: mUnknownClasses = classQuestions(asked); break;
         case operation::qualifiedField: mKnownFields = fieldQuestions(asked); break;
@@ -184,7 +186,7 @@ private:
 
     std::uint64_t makeKeys([[maybe_unused]] std::size_t first, [[maybe_unused]] std::size_t last) const {
         if constexpr (makesKeys<Store>) {
-            return sumOf(mNamesOfKeys, first, last, [this](text const& name) { return mStore.keyOf(name); });
+            return sumOf(mKnownClasses, first, last, [this](text const& name) { return mStore.keyOf(name); });
         } else {
             return 0;
         }
@@ -226,8 +228,12 @@ private:
     }
 
     void takeClassesToCount() {
-        for (auto const& drawn : makeQuestions(mLoad, operation::countedClass))
-            mCountedClasses.push_back(mClasses[static_cast<std::size_t>(drawn.mAsked - mLoad.classes().data())]);
+        for (auto const& drawn : makeQuestions(mLoad, operation::classByName))
+            mCountedClasses.push_back(askedClass(drawn));
+    }
+
+    classHandle const& askedClass(question const& drawn) const {
+        return mClasses[static_cast<std::size_t>(drawn.mAsked - mLoad.classes().data())];
     }
 
     void requireField(fieldHandle const& found, question const& asked) const {
@@ -247,7 +253,7 @@ private:
         if constexpr (preparesInherited<Store>) mStore.prepareInherited();
         if constexpr (findsInherited<Store>) {
             for (auto const& drawn : makeQuestions(mLoad, operation::inheritedField)) {
-                auto const& asked = mClasses[static_cast<std::size_t>(drawn.mAsked - mLoad.classes().data())];
+                auto const& asked = askedClass(drawn);
                 mInheritedFields.emplace_back(asked, mStore.fieldNameOf(drawn.mFieldName));
                 requireField(mStore.findInherited(asked, mInheritedFields.back().second), drawn);
             }
@@ -278,7 +284,6 @@ private:
 
     std::vector<text> mKnownClasses;
     std::vector<text> mUnknownClasses;
-    std::vector<text> mNamesOfKeys;
     std::vector<classHandle> mCountedClasses;
     std::vector<qualifiedText> mKnownFields;
     std::vector<qualifiedText> mUnknownFields;

@@ -16,9 +16,7 @@ public:
 
     question draw(operation asked) {
         switch (asked) {
-        case operation::classByName:
-        case operation::classKey:
-        case operation::countedClass: return aboutClass(anyClass());
+        case operation::classByName: return aboutClass(anyClass());
         case operation::unknownClass: return aboutNoClass();
         case operation::unknownField: return aboutNoField(anyClass());
         case operation::inheritedField: return aboutInheritedField(anyClass());

@@ -19,8 +19,8 @@ enum class operation {
     intDefault,     // the default value of an int field
     fieldsByThread, // as qualifiedField, in an order in which equal parts ask for different classes
     sameFields,     // as qualifiedField, but always the same eight fields
-    classKey,       // part of classByName: the key of the name alone
-    countedClass,   // part of classByName: counting the class, which is at hand, and giving it up
+    classKey,       // part of classByName, on its questions: the key of the name alone
+    countedClass,   // the same: counting the class, which is at hand, and giving it up
     addClass,       // these three are not asked but done
     addField,
     addClassBesideReaders

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <new>
 #include <string>
 #include <vector>
 

@@ -6,12 +6,11 @@
 #include <algorithm>
 #include <cstddef>
 #include <functional>
-#include <new>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "failingAllocations.h"
+#include "attempts.h"
 #include "zovMetamodel.h"
 
 #include "zovAssert.h"
@@ -27,8 +26,11 @@ using zov::metamodel::eRef;
 using zov::metamodel::fieldInfo;
 using zov::metamodel::modelInfo;
 using zov::metamodel::relationInfo;
+using zov::tests::attempt;
+using zov::tests::attempted;
 using zov::tests::failingAllocations;
 using zov::tests::failureKind;
+using enum zov::tests::outcome;
 
 string numbered(wchar_t const* stem, int number) {
     return string(std::wstring(stem) + std::to_wstring(number));
@@ -105,19 +107,10 @@ std::string described(refPtr<modelInfo> const& model) {
 
 // Whether the action succeeds with the allocation after `passing` ones failing; it fails as it may.
 bool succeeds(long passing, failureKind kind, std::function<bool()> const& addition, bool& failed) {
-    auto const before = zov::tests::allocationsMade;
-    bool done = false;
-    {
-        failingAllocations const armed(passing, kind);
-        try {
-            done = addition();
-        } catch (bool thrown) {
-            EXPECT_FALSE(thrown);
-        } catch (std::bad_alloc const&) {
-        }
-    }
-    failed = zov::tests::allocationsMade - before > static_cast<std::size_t>(passing);
-    return done;
+    attempt const made = attempted(passing, kind, addition);
+    EXPECT_NE(made.ended, eThrewOther);
+    failed = made.allocationFailed;
+    return made.ended == ePassed;
 }
 
 // Makes one addition, after it failed at each of its allocations. `addition` answers whether it was made; `isThere`

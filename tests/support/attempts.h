@@ -6,6 +6,8 @@
 //     }
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <functional>
 #include <new>
 #include <ostream>
@@ -51,6 +53,21 @@ inline attempt attempted(long passing, failureKind kind, std::function<bool()> c
         ended = eThrewBadAlloc;
     }
     return {ended, hasFailed};
+}
+
+// One attempt at a world's act(). If it does not pass, an allocation failed, it ended in the one way that is `failing`,
+// and the world's state() is as before. The world's own check() comes last.
+template <class World>
+attempt attemptedIn(World& world, long passing, failureKind kind, outcome failing) {
+    auto const before = world.state();
+    auto const made = attempted(passing, kind, [&] { return world.act(); });
+    if (made.ended != ePassed) {
+        EXPECT_TRUE(made.allocationFailed);
+        EXPECT_EQ(made.ended, failing);
+        EXPECT_EQ(world.state(), before);
+    }
+    world.check(made);
+    return made;
 }
 
 // Whether a value cannot be made when it needs one more cell than there are: what makes eCellBlocks mean anything.
