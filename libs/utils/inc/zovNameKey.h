@@ -15,12 +15,12 @@
 // Threads: a value; any thread may call anything. Fails: never.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string_view>
 
+#include "zovInternedName.h"
 #include "zovScString.h"
 #include "zovUtilsApi.h"
 
@@ -36,7 +36,7 @@ public:
 private:
     friend class nameKey;
 
-    std::array<std::uint64_t, 4> mPacked{}; // that of no short text of small units, where the name is none
+    detail::packedBytes mPacked; // those of no short text of small units, where the name is none
     scString mName;
     std::uint32_t mSize = 0;
 };
@@ -54,19 +54,17 @@ public:
     std::uint64_t hash() const noexcept { return mHash; }
 
     // Whether this is the key of exactly the text of `name`, as far as it was known (see above).
-    bool isTextOf(scString name) const noexcept;
+    bool isTextOf(scString name) const noexcept {
+        if (mSize == 0) return mName == name;
+        return name.mText && mPacked == name.mText->packed && mSize == name.mText->text.size();
+    }
     bool isTextOf(filedName const& name) const noexcept {
-        return mSize == 0 ? mName == name.mName : isPackedAs(name.mPacked) && mSize == name.mSize;
+        return mSize == 0 ? mName == name.mName : mPacked == name.mPacked && mSize == name.mSize;
     }
 
 private:
-    bool isPackedAs(std::array<std::uint64_t, 4> const& other) const noexcept {
-        return ((other[0] ^ mPacked[0]) | (other[1] ^ mPacked[1]) | (other[2] ^ mPacked[2]) |
-                (other[3] ^ mPacked[3])) == 0;
-    }
-
     // A short text of small units lies here in packed form; of any other, and of the empty one, the handle is known.
-    std::array<std::uint64_t, 4> mPacked{};
+    detail::packedBytes mPacked;
     std::size_t mSize = 0; // of a packed text; else 0
     std::uint64_t mHash = 0;
     std::optional<scString> mName; // empty as well when no such text is interned

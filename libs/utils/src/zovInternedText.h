@@ -13,9 +13,9 @@
 #include <cstdint>
 #include <string_view>
 
+#include "zovInternedName.h"
 #include "zovLowerCase.h"
 #include "zovPackedText.h"
-#include "zovString.h"
 
 namespace zov::detail {
 
@@ -36,13 +36,6 @@ struct lowered {
     static void forEachUnit(std::wstring_view text, Fn&& fn) {
         forEachLowered(text, fn);
     }
-};
-
-// An interned text behind its packed form. Never changed, never freed. One cache line, where a string takes no more
-// room than four pointers.
-struct alignas(64) internedText {
-    packedBytes packed;
-    string text;
 };
 
 struct narrowText {

@@ -8,7 +8,7 @@ namespace zov {
 
 filedName::filedName(scString name) noexcept : mName(name) {
     if (!name.mText) return;
-    mPacked = name.mText->packed.words;
+    mPacked = name.mText->packed;
     mSize = static_cast<std::uint32_t>(name.mText->text.size());
 }
 
@@ -16,7 +16,7 @@ nameKey::nameKey(std::wstring_view text, bool caseMatters) noexcept {
     auto const take = [this]<class Form>(Form const& form) {
         mHash = form.hash();
         if constexpr (std::is_same_v<Form, detail::narrowText>) {
-            mPacked = form.packed().words;
+            mPacked = form.packed();
             mSize = form.units.size();
         }
     };
@@ -26,12 +26,6 @@ nameKey::nameKey(std::wstring_view text, bool caseMatters) noexcept {
 
 nameKey::nameKey(scString name) noexcept : mName(name) {
     if (name.mText) mHash = detail::hashOf(*name.mText);
-}
-
-bool nameKey::isTextOf(scString name) const noexcept {
-    if (mSize == 0) return mName == name;
-    if (!name.mText) return false;
-    return isPackedAs(name.mText->packed.words) && name.mText->text.size() == mSize;
 }
 
 } // namespace zov

@@ -18,22 +18,14 @@
 #include <cwchar>
 #include <string_view>
 
+#include "zovInternedName.h"
+
 #if defined(__x86_64__) && defined(__SSE2__) && WCHAR_MAX > 0xFFFF
 #    define ZOV_PACKS_WITH_SSE2
 #    include <emmintrin.h>
 #endif
 
 namespace zov {
-
-// The bytes of a packed text where they are kept.
-struct alignas(16) packedBytes {
-    std::array<std::uint64_t, 4> words{};
-
-    friend constexpr bool operator==(packedBytes const& left, packedBytes const& right) noexcept {
-        return ((left.words[0] ^ right.words[0]) | (left.words[1] ^ right.words[1]) | (left.words[2] ^ right.words[2]) |
-                (left.words[3] ^ right.words[3])) == 0;
-    }
-};
 
 namespace detail {
 
@@ -200,20 +192,22 @@ public:
 
     // The bytes of no narrow text of any length: up to 16 units leave the second half 0, and in more the two halves
     // overlap in at least one unit, which would have to be 0 and 1 at once.
-    static constexpr packedBytes bytesOfNone() noexcept { return {{0, 0, 0x0101010101010101U, 0x0101010101010101U}}; }
+    static constexpr detail::packedBytes bytesOfNone() noexcept {
+        return {{0, 0, 0x0101010101010101U, 0x0101010101010101U}};
+    }
 
-    packedBytes bytes() const noexcept {
-        packedBytes kept;
+    detail::packedBytes bytes() const noexcept {
+        detail::packedBytes kept;
         mLow.keepIn(kept.words.data());
         mHigh.keepIn(kept.words.data() + 2);
         return kept;
     }
 
     // The text whose bytes were kept; `size` is the number of its units.
-    packedText(packedBytes const& kept, std::size_t size) noexcept
+    packedText(detail::packedBytes const& kept, std::size_t size) noexcept
         : mSize(size), mLow(kept.words.data()), mHigh(kept.words.data() + 2) {}
 
-    bool isThatOf(packedBytes const& kept, std::size_t keptSize) const noexcept {
+    bool isThatOf(detail::packedBytes const& kept, std::size_t keptSize) const noexcept {
         return mLow.isThatOf(kept.words.data()) && mSize == keptSize && mHigh.isThatOf(kept.words.data() + 2);
     }
 

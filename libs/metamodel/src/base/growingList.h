@@ -8,7 +8,7 @@
 //
 // Writers prove with the owner's held mutex that they are alone. Readers work within a section, or on a snapshot.
 //
-// Entry: trivially copyable; retain() and release() count and give up what it refers to; with `isIndexed`, key()
+// Entry: trivially copyable; retain() and release() count and give up what it refers to; unless `search` is none, key()
 // answers its scrambled key (see scrambled).
 #pragma once
 
@@ -22,6 +22,7 @@
 #include <span>
 #include <type_traits>
 
+#include "base/entryTags.h"
 #include "base/publishedSlot.h"
 
 namespace zov::metamodel {
@@ -35,6 +36,11 @@ constexpr std::uint64_t scrambled(std::uint64_t key) noexcept {
 inline std::uint64_t addressOf(void const* object) noexcept {
     return reinterpret_cast<std::uintptr_t>(object);
 }
+
+// How entries are found by their keys: not at all; by the index; or, while there are no more of them than tags, by tags
+// that lie in the list itself, so that a block of few entries has no index. Then the line that leads to the block tells
+// as well where in it to look.
+enum class listSearch { none, byIndex, byTagsThenIndex };
 
 // What lies beside the entries of a block, is copied with them, and ends them: nothing, and the first one first.
 struct noHead {
@@ -69,7 +75,13 @@ public:
     template <class Matches>
     Entry const* find(readSection const& reading, std::uint64_t key, Matches const& matches) const noexcept {
         auto const now = mSlot.peekNoted(reading);
-        return now.body() ? now.body()->find(now.note(), key, matches) : nullptr;
+        block const* const body = now.body();
+        if (!body) return nullptr;
+        if (now.note() != 0) return body->findIndexed(block::wordsNotedAs(now.note()), key, matches);
+        if constexpr (hasTags) {
+            if (!body->hasIndex()) return body->findTagged(mTags, key, matches);
+        }
+        return body->findIndexed(body->words, key, matches);
     }
 
     std::size_t size() const noexcept {
@@ -94,8 +106,12 @@ public:
     // Adds a copy of the entry, retained, where readers do not see it until it is committed. There must be room. `key`
     // is the entry's own.
     Entry& stage(heldMutex const& held, Entry const& added, std::uint64_t key) noexcept {
+        block* const now = mSlot.current(held);
+        if constexpr (hasTags) {
+            if (!now->hasIndex()) mTags.set(now->taken, key);
+        }
         added.retain();
-        return mSlot.current(held)->stage(added, key);
+        return now->stage(added, key);
     }
     Entry& stage(heldMutex const& held, Entry const& added) noexcept { return stage(held, added, keyOf(added)); }
 
@@ -134,15 +150,21 @@ public:
     snapshotPtr clear(heldMutex const& held) noexcept { return snapshotPtr(mSlot.exchange(held, {})); }
 
 private:
+    static constexpr bool isSearched = Entry::search != listSearch::none;
+    static constexpr bool hasTags = Entry::search == listSearch::byTagsThenIndex;
+
     static std::uint64_t keyOf([[maybe_unused]] Entry const& entry) noexcept {
-        if constexpr (Entry::isIndexed) {
+        if constexpr (isSearched) {
             return entry.key();
         } else {
             return 0;
         }
     }
 
+    struct noTags {};
+
     publishedSlot<block> mSlot;
+    [[no_unique_address]] std::conditional_t<hasTags, entryTags, noTags> mTags; // those of a block without an index
 };
 
 // The entries that were published at one moment, kept alive.
@@ -166,10 +188,10 @@ private:
     std::size_t mSize = 0;
 };
 
-// Header, index and entries in one piece of memory. The index is an open-addressing table of a power of two of words,
-// at most three eighths of them taken, so that most questions end at the first one: the entry's position plus 1 in as
-// many bits as positions need, and above them bits of the key; 0 is a free place. Words are only ever added, behind the
-// entries that they lead to.
+// Header, index, unless there are tags instead, and entries in one piece of memory. The index is an open-addressing
+// table of a power of two of words, at most three eighths of them taken, so that most questions end at the first one:
+// the entry's position plus 1 in as many bits as positions need, and above them bits of the key; 0 is a free place.
+// Words are only ever added, behind the entries that they lead to.
 template <class Entry, class Head>
 struct alignas(std::max<std::size_t>(alignof(Entry),
                                      __STDCPP_DEFAULT_NEW_ALIGNMENT__)) growingList<Entry, Head>::block {
@@ -177,12 +199,13 @@ struct alignas(std::max<std::size_t>(alignof(Entry),
 
     // A block for at least `needed` entries, with what `former` has taken. Throws std::bad_alloc.
     static block* make(std::size_t needed, block const* former) {
-        std::size_t const words = std::max<std::size_t>(minimumWords, std::bit_ceil((needed * 8 + 2) / 3));
-        std::size_t const room = words / 8 * 3;
-        std::size_t const indexed = Entry::isIndexed ? words : 0;
-        std::size_t const bytes = sizeof(block) + indexed * sizeof(word) + room * sizeof(Entry);
+        static_assert(smallestIndex == wordsFor(fewestIndexed));
+        std::size_t const room = std::max(fewestEntries, roomWith(wordsFor(needed)));
+        bool const isIndexed = isSearched && room >= fewestIndexed;
+        std::size_t const words = isIndexed ? wordsFor(room) : 0;
+        std::size_t const bytes = sizeof(block) + words * sizeof(word) + room * sizeof(Entry);
         void* const storage = ::operator new(bytes, std::align_val_t(alignof(block)));
-        block* const made = new (storage) block(room, indexed);
+        block* const made = new (storage) block(room, words);
         if (former) made->takeOver(*former);
         return made;
     }
@@ -193,16 +216,29 @@ struct alignas(std::max<std::size_t>(alignof(Entry),
         ::operator delete(last, std::align_val_t(alignof(block)));
     }
 
-    // How many index words there are, for who finds the block; 0 where their number is too great for a note.
+    // How many index words there are, for who finds the block; 0 where there are none, or too many for a note.
     unsigned note() const noexcept {
-        auto const doublings = static_cast<unsigned>(std::bit_width(words / minimumWords));
+        auto const doublings = static_cast<unsigned>(std::bit_width(words / smallestIndex));
         return doublings < 16 ? doublings : 0;
     }
+    static std::uint32_t wordsNotedAs(unsigned note) noexcept { return smallestIndex << (note - 1); }
+    bool hasIndex() const noexcept { return words != 0; }
 
-    // Goes to the index without a stop at the block's own line, which may not be at hand.
     template <class Matches>
-    Entry const* find(unsigned noted, std::uint64_t key, Matches const& matches) const noexcept {
-        std::uint32_t const count = noted != 0 ? minimumWords << (noted - 1) : words;
+    Entry const* findTagged(entryTags const& tags, std::uint64_t key, Matches const& matches) const noexcept {
+        auto const* const listed = reinterpret_cast<Entry const*>(this + 1);
+        Entry const* found = nullptr;
+        tags.any(key, [&](std::size_t position) {
+            if (position < size.load() && matches(listed[position])) found = listed + position;
+            return found != nullptr;
+        });
+        return found;
+    }
+
+    // `count` is the number of index words. Whoever knows it need not stop at the block's own line, which may not be at
+    // hand.
+    template <class Matches>
+    Entry const* findIndexed(std::uint32_t count, std::uint64_t key, Matches const& matches) const noexcept {
         std::uint32_t const positions = count - 1;
         std::uint32_t const wanted = keyBits(key, positions);
         auto const* const listed = reinterpret_cast<Entry const*>(index() + count);
@@ -217,10 +253,10 @@ struct alignas(std::max<std::size_t>(alignof(Entry),
 
     std::span<Entry const> published() const noexcept { return {entries(), size.load()}; }
 
-    Entry& stage(Entry const& added, [[maybe_unused]] std::uint64_t key) noexcept {
+    Entry& stage(Entry const& added, std::uint64_t key) noexcept {
         Entry& entry = *new (entries() + taken) Entry(added);
         ++taken;
-        if constexpr (Entry::isIndexed) {
+        if (hasIndex()) {
             std::uint64_t at = key;
             while (index()[at & (words - 1)].load(std::memory_order_relaxed) != 0)
                 ++at;
@@ -251,7 +287,13 @@ struct alignas(std::max<std::size_t>(alignof(Entry),
     heldBody<block> heir; // what holds the references in place of this block
 
 private:
-    static constexpr std::uint32_t minimumWords = 16;
+    static constexpr std::size_t fewestEntries = 6;
+
+    // At most three eighths of the index are taken.
+    static constexpr std::size_t wordsFor(std::size_t entries) noexcept { return std::bit_ceil((entries * 8 + 2) / 3); }
+    static constexpr std::size_t roomWith(std::size_t words) noexcept { return words / 8 * 3; }
+    static constexpr std::size_t fewestIndexed = hasTags ? entryTags::count + 1 : fewestEntries;
+    static constexpr std::uint32_t smallestIndex = hasTags ? 128 : 16; // for so many entries
 
     block(std::size_t roomFor, std::size_t indexWords) noexcept
         : room(static_cast<std::uint32_t>(roomFor)), words(static_cast<std::uint32_t>(indexWords)) {

@@ -27,14 +27,14 @@ struct alignas(64) classData {
 
     static classData const& of(classInfo const& owner) { return *owner.mData; }
 
-    // What lookups read comes first, within one line.
+    // What lookups read comes first, within one line, but for the table of several bases.
     nameFilter mFieldFilter;
+    fieldList mFieldInfos;
     bool const mCaseSensitiveNames; // the model's rule at the time the class was made
     bool mHasCapitals = false;      // the name of some field is not its own lower case; for writers
     std::atomic<std::int32_t> mFlags{0};
-    linkSlot<idInfo> mutable mIdInfo;
     relatedClasses mBaseClasses;
-    fieldList mFieldInfos;
+    linkSlot<idInfo> mutable mIdInfo;
     arrivingRelations mFromRelations;
     leavingRelations mToRelations;
     scString const mName;
@@ -46,6 +46,6 @@ struct alignas(64) classData {
     std::recursive_mutex mutable mMutex; // held while a field list or a table is replaced, and while a semantic changes
 };
 
-static_assert(offsetof(classData, mFieldInfos) + sizeof(fieldList) <= 64);
+static_assert(offsetof(classData, mBaseClasses) + sizeof(void*) <= 64);
 
 } // namespace zov::metamodel

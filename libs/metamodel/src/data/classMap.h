@@ -29,7 +29,7 @@ private:
 
 // All that a question by name looks at, within one cache line.
 struct alignas(64) classEntry {
-    static constexpr bool isIndexed = true;
+    static constexpr auto search = listSearch::byIndex;
 
     std::uint64_t key() const noexcept { return nameKey(name.handle()).hash(); }
     void retain() const noexcept { countIfAny(object); }

@@ -9,7 +9,7 @@
 namespace zov::metamodel {
 
 struct fieldEntry {
-    static constexpr bool isIndexed = true;
+    static constexpr auto search = listSearch::byTagsThenIndex;
 
     std::uint64_t key() const noexcept { return nameKey(name).hash(); }
     void retain() const noexcept { countIfAny(field); }

@@ -9,7 +9,7 @@ namespace zov::metamodel {
 
 // A relation that leaves the class, with the fields of its first pair, by which it is found.
 struct leavingEntry {
-    static constexpr bool isIndexed = true;
+    static constexpr auto search = listSearch::byIndex;
 
     static std::uint64_t keyOf(fieldInfo const* from, fieldInfo const* to) noexcept {
         return scrambled(scrambled(addressOf(from)) + addressOf(to));
@@ -25,7 +25,7 @@ struct leavingEntry {
 };
 
 struct arrivingEntry {
-    static constexpr bool isIndexed = false;
+    static constexpr auto search = listSearch::none;
 
     void retain() const noexcept { countIfAny(relation); }
     void release() const noexcept { giveUpQuietly(relation); }

@@ -11,7 +11,7 @@ namespace zov::metamodel {
 namespace {
 
 struct knownAlias {
-    static constexpr bool isIndexed = true;
+    static constexpr auto search = listSearch::byIndex;
 
     std::uint64_t key() const noexcept { return nameKey(name).hash(); }
     void retain() const noexcept {}
