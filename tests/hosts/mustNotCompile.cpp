@@ -80,7 +80,7 @@ void whatHostsMustNotWrite([[maybe_unused]] refPtr<modelInfo> const& model,
 #elif defined(CASE_classIsConstructed)
     refPtr<classInfo> const made(new classInfo(L"Part", false));
 #elif defined(CASE_fieldIsConstructed)
-    refPtr<fieldInfo> const made(new fieldInfo(part, zov::scString(), eInt, genericSet(), L""));
+    refPtr<fieldInfo> const made(new fieldInfo(part.get(), zov::scString(), eInt, genericSet(), L""));
 #elif defined(CASE_idSetIsConstructed)
     refPtr<idInfo> const made(new idInfo(std::vector<refPtr<fieldInfo>>{width}));
 #elif defined(CASE_modelIsDeleted)

@@ -34,7 +34,7 @@ struct testAccess {
         return refPtr<classInfo>(new classInfo(name, caseSensitiveNames));
     }
     static refPtr<fieldInfo> makeField(refPtr<classInfo> const& owner, string const& name, eFieldType type) {
-        return refPtr<fieldInfo>(new fieldInfo(owner, scString::createFrom(name), type, genericSet(), L""));
+        return refPtr<fieldInfo>(new fieldInfo(owner.get(), scString::createFrom(name), type, genericSet(), L""));
     }
     static refPtr<idInfo> makeId(std::vector<refPtr<fieldInfo>> const& fields) {
         return refPtr<idInfo>(new idInfo(fields));

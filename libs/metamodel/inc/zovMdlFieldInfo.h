@@ -248,14 +248,14 @@ private:
     friend struct testAccess;
 
     // A defining field, and an inheriting one.
-    fieldInfo(refPtr<metamodel::classInfo> const& owner, scString name, eFieldType type, genericSet const& typeAttribs,
+    fieldInfo(metamodel::classInfo* owner, scString name, eFieldType type, genericSet const& typeAttribs,
               string const& customTypeString);
-    fieldInfo(refPtr<metamodel::classInfo> const& owner, refPtr<fieldInfo> const& baseField);
+    fieldInfo(metamodel::classInfo* owner, refPtr<fieldInfo> const& baseField);
     ~fieldInfo() override;
     void destroy() override;
 
     // A defining field of `owner` under the given name that carries what this one says of itself.
-    refPtr<fieldInfo> copyFor(refPtr<metamodel::classInfo> const& owner, string const& name) const;
+    refPtr<fieldInfo> copyFor(metamodel::classInfo* owner, string const& name) const;
 
     fieldInfo const& root() const noexcept;
     struct semanticState;

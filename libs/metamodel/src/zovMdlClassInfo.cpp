@@ -176,10 +176,12 @@ refPtr<fieldInfo> classInfo::createFieldInfo(string const& name, eFieldType type
     if (auto known = findField(name, true, false)) return known;
     bool const caseSensitive = mData->mCaseSensitiveNames;
     auto const added = falseWithoutMemory([&]() -> refPtr<metamodel::fieldInfo> {
+        scString const ruled = nameByRule(name, caseSensitive);
+        newName const filed = caseSensitive ? newName(ruled) : newName::inLowerCase(ruled);
         refPtr<metamodel::fieldInfo> const made(
-            new metamodel::fieldInfo(this, nameByRule(name, caseSensitive), type, typeAttribs, customTypeString));
+            new metamodel::fieldInfo(this, ruled, type, typeAttribs, customTypeString));
         heldMutex const held(mData->mMutex);
-        return addField(*mData, held, made, caseSensitive) ? nullptr : made;
+        return addField(*mData, held, made, filed, caseSensitive) ? nullptr : made;
     });
     return added ? added : findCreated(name);
 }
@@ -194,8 +196,9 @@ refPtr<fieldInfo> classInfo::createFieldInfo(refPtr<classInfo> const& baseClass,
     if (!baseField) throw false;
     auto const known = falseWithoutMemory([&]() -> refPtr<metamodel::fieldInfo> {
         refPtr<metamodel::fieldInfo> const added(new metamodel::fieldInfo(this, baseField));
+        newName const inherited(added->scName());
         heldMutex const held(mData->mMutex);
-        return addField(*mData, held, added, false);
+        return addField(*mData, held, added, inherited, false);
     });
     return known ? known : findCreated(name);
 }
@@ -241,7 +244,7 @@ refPtr<fieldInfo> classInfo::copyFieldInfoFrom(const_refPtr<metamodel::fieldInfo
         // KEEP CF-21: the prefix is taken as it is given, also where lookups fold what they are asked for.
         string const name = prefixed(prefix, from->scName());
         auto const copy = from->copyFor(this, name);
-        addField(*mData, held, copy, false);
+        addField(*mData, held, copy, newName(copy->scName()), false);
         return findCreated(name);
     });
 }

@@ -55,13 +55,13 @@ void fieldInfo::endRecord::operator()(fieldData* record) const noexcept {
     record->~fieldData();
 }
 
-fieldInfo::fieldInfo(refPtr<metamodel::classInfo> const& owner, scString name, eFieldType type,
-                     genericSet const& typeAttribs, string const& customTypeString)
+fieldInfo::fieldInfo(metamodel::classInfo* owner, scString name, eFieldType type, genericSet const& typeAttribs,
+                     string const& customTypeString)
     : mData(makeRecord(owner, nullptr, name, type, scString::createFrom(customTypeString), typeAttribs)) {
     writeLifeLine({createdLevel, createdBy, sources::fieldInfo, 119}, createdLine, label());
 }
 
-fieldInfo::fieldInfo(refPtr<metamodel::classInfo> const& owner, refPtr<fieldInfo> const& baseField)
+fieldInfo::fieldInfo(metamodel::classInfo* owner, refPtr<fieldInfo> const& baseField)
     : mData(makeRecord(owner, baseField, scString(), baseField->type(), scString(), genericSet())) {
     writeLifeLine({createdLevel, createdBy, sources::fieldInfo, 129}, createdLine, label());
 }
@@ -88,7 +88,7 @@ metamodel::classInfo* fieldInfo::detachOwner() noexcept {
     return mData->mClassInfo.detach();
 }
 
-refPtr<fieldInfo> fieldInfo::copyFor(refPtr<metamodel::classInfo> const& owner, string const& name) const {
+refPtr<fieldInfo> fieldInfo::copyFor(metamodel::classInfo* owner, string const& name) const {
     refPtr<fieldInfo> copy(
         new fieldInfo(owner, scString::createFrom(name), type(), mData->mTypeAttribs, customTypeString().string()));
     fieldData& to = *copy->mData;

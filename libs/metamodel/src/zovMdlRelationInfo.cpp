@@ -78,7 +78,8 @@ relationInfo::relationInfo(refPtr<fieldInfo> const& fromField, refPtr<classInfo>
     logCreated(name, reverseName);
     // KEEP RI-04: the relation alone holds this field; the target class does not list it.
     mData->mHasOwnField = true;
-    begin(fromField, new fieldInfo(toClass, scString::createFrom(L"PTR"), ePtr, genericSet(), L""), name, reverseName);
+    begin(fromField, new fieldInfo(toClass.get(), scString::createFrom(L"PTR"), ePtr, genericSet(), L""), name,
+          reverseName);
 }
 
 // The first pair and the names; the semantic comes last, when nothing can fail any more.

@@ -30,6 +30,7 @@ void* cellPool::take() {
             permitCell(cell, mCellSize);
             return cell;
         }
+        if (!mHasStore.load(std::memory_order_relaxed)) return takeFresh();
     }
     return takeSlowly();
 }
@@ -44,6 +45,14 @@ void cellPool::give(void* cell) noexcept {
         return;
     }
     giveSlowly(cell);
+}
+
+// For threads with a stripe of their own, while a model is built.
+void* cellPool::takeFresh() {
+    void* const cell = fresh.takeIfAny(mCellSize);
+    if (!cell) return takeSlowly();
+    permitCell(cell, mCellSize);
+    return cell;
 }
 
 void* cellPool::takeSlowly() {

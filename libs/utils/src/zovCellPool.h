@@ -52,6 +52,7 @@ private:
     };
 
     // What is rare, apart from what is not: take and give stay small.
+    [[gnu::noinline]] void* takeFresh();
     [[gnu::noinline]] void* takeSlowly();
     [[gnu::noinline]] void giveSlowly(void* cell) noexcept;
     [[gnu::noinline]] void handOn(stripe& from) noexcept;

@@ -41,6 +41,10 @@ void* freshCells::take(std::size_t size) {
     return cell;
 }
 
+void* freshCells::takeIfAny(std::size_t size) noexcept {
+    return mStripes[threadStripe::index()].cut(size);
+}
+
 void freshCells::keep(void* storage) noexcept {
     auto* const made = ::new (storage) block{nullptr};
     std::lock_guard const held(mGuard);

@@ -25,6 +25,9 @@ public:
     // changed.
     void* take(std::size_t size);
 
+    // The same from what is left of the newest block, or null. For threads with a stripe of their own.
+    void* takeIfAny(std::size_t size) noexcept;
+
 private:
     struct block {
         block* next;

@@ -74,14 +74,7 @@ public:
     // The first entry with this scrambled key that `matches` accepts, or null; valid until the end of the section.
     template <class Matches>
     Entry const* find(readSection const& reading, std::uint64_t key, Matches const& matches) const noexcept {
-        auto const now = mSlot.peekNoted(reading);
-        block const* const body = now.body();
-        if (!body) return nullptr;
-        if (now.note() != 0) return body->findIndexed(block::wordsNotedAs(now.note()), key, matches);
-        if constexpr (hasTags) {
-            if (!body->hasIndex()) return body->findTagged(mTags, key, matches);
-        }
-        return body->findIndexed(body->words, key, matches);
+        return findIn(mSlot.peekNoted(reading), key, matches);
     }
 
     std::size_t size() const noexcept {
@@ -90,6 +83,12 @@ public:
     }
 
     // ---- writers
+
+    // The same as for readers.
+    template <class Matches>
+    Entry const* find(heldMutex const& held, std::uint64_t key, Matches const& matches) const noexcept {
+        return findIn(mSlot.currentNoted(held), key, matches);
+    }
 
     // Makes room for `more` entries, after which adding so many cannot fail. Throws std::bad_alloc, and nothing has
     // changed.
@@ -159,6 +158,17 @@ private:
         } else {
             return 0;
         }
+    }
+
+    template <class Matches>
+    Entry const* findIn(notedPtr<block> now, std::uint64_t key, Matches const& matches) const noexcept {
+        block const* const body = now.body();
+        if (!body) return nullptr;
+        if (now.note() != 0) return body->findIndexed(block::wordsNotedAs(now.note()), key, matches);
+        if constexpr (hasTags) {
+            if (!body->hasIndex()) return body->findTagged(mTags, key, matches);
+        }
+        return body->findIndexed(body->words, key, matches);
     }
 
     struct noTags {};
@@ -256,12 +266,7 @@ struct alignas(std::max<std::size_t>(alignof(Entry),
     Entry& stage(Entry const& added, std::uint64_t key) noexcept {
         Entry& entry = *new (entries() + taken) Entry(added);
         ++taken;
-        if (hasIndex()) {
-            std::uint64_t at = key;
-            while (index()[at & (words - 1)].load(std::memory_order_relaxed) != 0)
-                ++at;
-            index()[at & (words - 1)].store(keyBits(key, words - 1) | taken, std::memory_order_release);
-        }
+        if (hasIndex()) indexNewest(key);
         return entry;
     }
 
@@ -302,9 +307,16 @@ private:
 
     void takeOver(block const& former) noexcept {
         for (Entry const& entry : std::span(former.entries(), former.taken))
-            stage(entry, keyOf(entry));
+            stage(entry, hasIndex() ? keyOf(entry) : 0);
         head = former.head;
         commit();
+    }
+
+    void indexNewest(std::uint64_t key) noexcept {
+        std::uint64_t at = key;
+        while (index()[at & (words - 1)].load(std::memory_order_relaxed) != 0)
+            ++at;
+        index()[at & (words - 1)].store(keyBits(key, words - 1) | taken, std::memory_order_release);
     }
 };
 

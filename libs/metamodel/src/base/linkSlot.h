@@ -14,7 +14,7 @@ template <class T>
 class linkSlot {
 public:
     linkSlot() noexcept = default;
-    explicit linkSlot(refPtr<T> const& object) noexcept : mObject(object.get()) { countIfAny(object.get()); }
+    explicit linkSlot(T* object) noexcept : mObject(object) { countIfAny(object); }
     linkSlot(linkSlot const&) = delete;
     linkSlot& operator=(linkSlot const&) = delete;
     ~linkSlot() { giveUpQuietly(mObject.load(std::memory_order_relaxed)); }

@@ -17,7 +17,10 @@ namespace zov::metamodel {
 class nameFilter {
 public:
     // To be called before readers can find the name.
-    void add(nameKey const& name) noexcept { mWords[wordOf(name)].fetch_or(bitsOf(name), std::memory_order_release); }
+    void add(nameKey const& name) noexcept {
+        auto& word = mWords[wordOf(name)];
+        word.store(word.load(std::memory_order_relaxed) | bitsOf(name), std::memory_order_release);
+    }
 
     bool mayHave(nameKey const& name) const noexcept {
         std::uint64_t const bits = bitsOf(name);

@@ -56,7 +56,8 @@ public:
     }
 
     // For writers, who alone replace it.
-    Body* current(heldMutex const&) const noexcept { return mPublished.load(std::memory_order_relaxed).body(); }
+    notedPtr<Body> currentNoted(heldMutex const&) const noexcept { return mPublished.load(std::memory_order_relaxed); }
+    Body* current(heldMutex const& held) const noexcept { return currentNoted(held).body(); }
 
     // Publishes `next` and answers what was there. Readers may still look at that: it is to be ended after
     // waitForReaders().

@@ -23,8 +23,8 @@ struct fieldTexts {
 };
 
 struct fieldData {
-    fieldData(refPtr<classInfo> const& owner, refPtr<fieldInfo> baseField, scString name, eFieldType type,
-              scString customTypeString, genericSet const& typeAttribs)
+    fieldData(classInfo* owner, refPtr<fieldInfo> baseField, scString name, eFieldType type, scString customTypeString,
+              genericSet const& typeAttribs)
         : mClassInfo(owner), mBaseField(std::move(baseField)), mName(name), mType(type), mTypeAttribs(typeAttribs) {
         setName(&fieldTexts::customType, customTypeString);
     }

@@ -9,14 +9,15 @@ namespace zov::metamodel {
 
 namespace {
 
-// The class's own field of this name, or null.
-fieldInfo* ownField(readSection const& reading, classData const& owner, nameKey const& name) noexcept {
+// The class's own field of this name, or null: for readers in their section, and for who holds the class's mutex.
+template <class Access>
+fieldInfo* ownField(Access const& access, classData const& owner, nameKey const& name) noexcept {
     if (!owner.mFieldFilter.mayHave(name)) return nullptr;
     auto const isIt = [&name](fieldEntry const& entry) {
         fetchForCounting(entry.field);
         return name.isTextOf(entry.name);
     };
-    fieldEntry const* const found = owner.mFieldInfos.find(reading, name.hash(), isIt);
+    fieldEntry const* const found = owner.mFieldInfos.find(access, name.hash(), isIt);
     return found ? found->field : nullptr;
 }
 
@@ -49,23 +50,10 @@ bool differAtMostInCase(scString left, scString right) {
     return left.string().lower() == right.string().lower();
 }
 
-// The name of a field to be added.
-struct newName {
-    explicit newName(refPtr<fieldInfo> const& field)
-        : name(field->scName()), lowered(name.string(), false), isLowered(lowered.isTextOf(name)) {}
-
-    // The key under which the field is filed.
-    nameKey filed() const noexcept { return isLowered ? lowered : nameKey(name); }
-
-    scString name;
-    nameKey lowered;
-    bool isLowered; // has no capitals
-};
-
 // The first field that takes the name, or null.
 fieldInfo* fieldThatTakes(classData& owner, heldMutex const& held, newName const& added, bool caseSensitive) {
-    if (caseSensitive) return ownField(readSection(), owner, added.filed());
-    if (!owner.mHasCapitals) return ownField(readSection(), owner, added.lowered);
+    if (caseSensitive) return ownField(held, owner, added.filed);
+    if (!owner.mHasCapitals) return ownField(held, owner, added.inAnyCase());
     for (fieldEntry const& entry : owner.mFieldInfos.entries(held)) {
         if (differAtMostInCase(entry.name, added.name)) return entry.field;
     }
@@ -74,10 +62,9 @@ fieldInfo* fieldThatTakes(classData& owner, heldMutex const& held, newName const
 
 // There must be room.
 void stage(classData& owner, heldMutex const& held, refPtr<fieldInfo> const& added, newName const& name) noexcept {
-    nameKey const filed = name.filed();
     owner.mHasCapitals = owner.mHasCapitals || !name.isLowered;
-    owner.mFieldFilter.add(filed);
-    owner.mFieldInfos.stage(held, {name.name, added.get()}, filed.hash());
+    owner.mFieldFilter.add(name.filed);
+    owner.mFieldInfos.stage(held, {name.name, added.get()}, name.filed.hash());
 }
 
 } // namespace
@@ -89,9 +76,10 @@ fieldInfo* findField(readSection const& reading, classData const& owner, std::ws
     return searchBaseClasses ? inheritedField(reading, owner, asked, searchAliases) : nullptr;
 }
 
-refPtr<fieldInfo> addField(classData& owner, heldMutex const& held, refPtr<fieldInfo> const& added,
+newName::newName(scString given) : newName(given, nameKey(given.string(), false).isTextOf(given)) {}
+
+refPtr<fieldInfo> addField(classData& owner, heldMutex const& held, refPtr<fieldInfo> const& added, newName const& name,
                            bool caseSensitive) {
-    newName const name(added);
     if (fieldInfo* const taken = fieldThatTakes(owner, held, name, caseSensitive)) return taken;
     owner.mFieldInfos.reserve(held, 1);
     stage(owner, held, added, name);
@@ -101,7 +89,7 @@ refPtr<fieldInfo> addField(classData& owner, heldMutex const& held, refPtr<field
 
 bool isTaken(classData& owner, heldMutex const& held, refPtr<fieldInfo> const& added,
              std::vector<refPtr<fieldInfo>> const& coming) {
-    newName const name(added);
+    newName const name(added->scName());
     if (fieldThatTakes(owner, held, name, false)) return true;
     return std::any_of(coming.begin(), coming.end(),
                        [&](refPtr<fieldInfo> const& other) { return differAtMostInCase(other->scName(), name.name); });
@@ -111,7 +99,7 @@ void addFields(classData& owner, heldMutex const& held, std::vector<refPtr<field
     if (added.empty()) return;
     owner.mFieldInfos.reserve(held, added.size());
     for (auto const& field : added)
-        stage(owner, held, field, newName(field));
+        stage(owner, held, field, newName(field->scName()));
     owner.mFieldInfos.commit(held);
 }
 

@@ -14,9 +14,27 @@ namespace zov::metamodel {
 fieldInfo* findField(readSection const& reading, classData const& owner, std::wstring_view name, bool searchBaseClasses,
                      bool searchAliases);
 
+// The name that a field is to be filed under.
+struct newName {
+    explicit newName(scString given);
+
+    // Of a name that is known to be its own lower case.
+    static newName inLowerCase(scString given) noexcept { return newName(given, true); }
+
+    nameKey inAnyCase() const noexcept { return isLowered ? filed : nameKey(name.string(), false); }
+
+    scString name;
+    nameKey filed;
+    bool isLowered; // has no capitals
+
+private:
+    newName(scString given, bool hasNoCapitals) noexcept : name(given), filed(given), isLowered(hasNoCapitals) {}
+};
+
 // Adds the field, unless its name is taken: by the same one, or, unless letter case matters, by one that differs in
 // letter case alone. Answers the field that takes it, or null. Throws std::bad_alloc, and nothing has changed.
-refPtr<fieldInfo> addField(classData& owner, heldMutex const& held, refPtr<fieldInfo> const& added, bool caseSensitive);
+refPtr<fieldInfo> addField(classData& owner, heldMutex const& held, refPtr<fieldInfo> const& added, newName const& name,
+                           bool caseSensitive);
 
 // Whether a field of the class, or one of `coming`, takes the name of the field, letter case apart.
 bool isTaken(classData& owner, heldMutex const& held, refPtr<fieldInfo> const& added,
