@@ -1,4 +1,5 @@
-// The growing list at every size of its index: hosts see what it does only in models too large for a test.
+// The growing list at every size of its index, and without one: hosts see what it does at the largest ones only in
+// models too large for a test.
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -66,7 +67,7 @@ TYPED_TEST(growingListInner, findsTheFirstAndTheLastEntryAtEverySize) {
 TYPED_TEST(growingListInner, findsEveryEntryOfManyThousands) {
     constexpr bool hasTags = TypeParam::search == listSearch::byTagsThenIndex;
     constexpr std::uint64_t largestNoted = hasTags ? 786'432 : 98'304;
-    for (std::uint64_t const count : {largestNoted - 1, largestNoted, largestNoted + 1}) {
+    for (std::uint64_t const count : {largestNoted - 1, largestNoted, largestNoted + 1, 2 * largestNoted + 1}) {
         this->appendUpTo(count);
         std::uint64_t missed = 0;
         for (std::uint64_t number = 0; number < count; ++number) {
@@ -81,7 +82,7 @@ TYPED_TEST(growingListInner, findsEveryEntryOfManyThousands) {
 
 // behaviour: CF-01, MR-02
 TYPED_TEST(growingListInner, findsEveryEntryOfAnyKeysAtEverySmallSize) {
-    // Keys that differ in one bit, and keys that all bits are alike in.
+    // Keys that differ in few bits, and keys that are all alike.
     for (std::uint64_t const step : {0ULL, 1ULL, 1ULL << 32, 1ULL << 47, 1ULL << 48, 1ULL << 55, 0x0101ULL << 48}) {
         heldMutex const held(this->mMutex);
         this->mList.clear(held);
@@ -129,6 +130,54 @@ TYPED_TEST(growingListInner, findsWhatIsStagedWhenItIsCommitted) {
             for (std::uint64_t number = 0; number < first + each; ++number)
                 EXPECT_NE(this->find(number), nullptr) << number;
         }
+    }
+}
+
+// behaviour: CF-01
+TYPED_TEST(growingListInner, findsManyThatComeAtOnceToAFew) {
+    heldMutex const held(this->mMutex);
+    for (std::uint64_t number = 0; number < 5; ++number)
+        this->mList.append(held, this->numbered(number));
+    this->mList.reserve(held, 30);
+    for (std::uint64_t number = 5; number < 35; ++number)
+        this->mList.stage(held, this->numbered(number));
+    for (std::uint64_t number = 0; number < 35; ++number)
+        EXPECT_EQ(this->find(number) != nullptr, number < 5) << number;
+    this->mList.commit(held);
+    for (std::uint64_t number = 0; number < 35; ++number)
+        EXPECT_NE(this->find(number), nullptr) << number;
+}
+
+// behaviour: MR-07
+TYPED_TEST(growingListInner, findsTheOthersAndWhatCameInPlaceOfOne) {
+    for (std::uint64_t const reserved : {1U, 30U}) {
+        heldMutex const held(this->mMutex);
+        this->mList.clear(held);
+        this->mList.reserve(held, reserved);
+        for (std::uint64_t number = 0; number < 5; ++number)
+            this->mList.append(held, this->numbered(number));
+        this->mList.replace(held, 3, {100, scrambled(3)});
+        for (std::uint64_t number = 0; number < 5; ++number)
+            EXPECT_EQ(this->find(number) != nullptr, number != 3) << number;
+        EXPECT_NE(this->find(TypeParam{100, scrambled(3)}), nullptr);
+        EXPECT_EQ(this->mList.size(), 5U);
+    }
+}
+
+// behaviour: CF-01
+TYPED_TEST(growingListInner, isSearchedByItsWriterAsByReaders) {
+    heldMutex const held(this->mMutex);
+    auto const findsNow = [&](std::uint64_t number) {
+        auto const isIt = [number](TypeParam const& entry) { return entry.mNumber == number; };
+        return this->mList.find(held, scrambled(number), isIt) != nullptr;
+    };
+    for (std::uint64_t number = 0; number < 60; ++number) {
+        this->mList.reserve(held, 1);
+        this->mList.stage(held, this->numbered(number));
+        EXPECT_FALSE(findsNow(number)) << number;
+        this->mList.commit(held);
+        EXPECT_TRUE(findsNow(number)) << number;
+        EXPECT_TRUE(findsNow(0)) << number;
     }
 }
 

@@ -513,5 +513,24 @@ TEST(lifeLines, baseClassesThatNobodyElseHoldsEndFromTheLastHandleOn) {
     EXPECT_EQ(log.take(), expected);
 }
 
+// behaviour: LL-12
+TEST(lifeLines, ofAClassThatEndsTellOfItsBasesBeforeItsIdentifyingFields) {
+    auto part = classInfo::createClassInfo(L"part");
+    auto key = addField(part, L"number");
+    key->setLabel(L"key");
+    key->setSemantic(eSemPrimkey, genericSet(), L"");
+    part->idInfo();
+    key.reset();
+    part->tearDown();
+    auto base = classInfo::createClassInfo(L"base");
+    base->setLabel(L"base");
+    part->addBaseClass(base);
+    base.reset();
+    eventLog log;
+    part.reset();
+    EXPECT_EQ(log.take(), (events{"trace classInfo released: \"\"", "trace classInfo released: \"base\"",
+                                  "debug fieldInfo released: \"key\""}));
+}
+
 } // namespace
 } // namespace zov::metamodel

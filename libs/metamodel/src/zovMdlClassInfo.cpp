@@ -176,12 +176,11 @@ refPtr<fieldInfo> classInfo::createFieldInfo(string const& name, eFieldType type
     if (auto known = findField(name, true, false)) return known;
     bool const caseSensitive = mData->mCaseSensitiveNames;
     auto const added = falseWithoutMemory([&]() -> refPtr<metamodel::fieldInfo> {
-        scString const ruled = nameByRule(name, caseSensitive);
-        newName const filed = caseSensitive ? newName(ruled) : newName::inLowerCase(ruled);
         refPtr<metamodel::fieldInfo> const made(
-            new metamodel::fieldInfo(this, ruled, type, typeAttribs, customTypeString));
+            new metamodel::fieldInfo(this, nameByRule(name, caseSensitive), type, typeAttribs, customTypeString));
+        newName const named = caseSensitive ? newName(made->scName()) : newName::inLowerCase(made->scName());
         heldMutex const held(mData->mMutex);
-        return addField(*mData, held, made, filed, caseSensitive) ? nullptr : made;
+        return addField(*mData, held, made, named, caseSensitive) ? nullptr : made;
     });
     return added ? added : findCreated(name);
 }

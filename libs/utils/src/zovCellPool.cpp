@@ -47,7 +47,7 @@ void cellPool::give(void* cell) noexcept {
     giveSlowly(cell);
 }
 
-// For threads with a stripe of their own, while a model is built.
+// For threads with a stripe of their own, when neither that nor the store has a cell.
 void* cellPool::takeFresh() {
     void* const cell = fresh.takeIfAny(mCellSize);
     if (!cell) return takeSlowly();

@@ -51,7 +51,7 @@ private:
         chain cutBatch() noexcept;
     };
 
-    // What is rare, apart from what is not: take and give stay small.
+    // What is rarer, apart from what is not: take and give stay small.
     [[gnu::noinline]] void* takeFresh();
     [[gnu::noinline]] void* takeSlowly();
     [[gnu::noinline]] void giveSlowly(void* cell) noexcept;

@@ -26,8 +26,8 @@ public:
         word.store(others | tagOf(key) << shift, std::memory_order_release);
     }
 
-    // Calls `visit` with the positions of all entries whose key this may be, the first one first, until it answers
-    // true. Answers whether it did.
+    // Calls `visit` with the positions of all entries whose key this may be, and of some where there is no entry, the
+    // first one first, until it answers true. Answers whether it did.
     template <class Visit>
     bool any(std::uint64_t key, Visit const& visit) const noexcept {
         for (std::uint64_t left = alike(key); left != 0; left &= left - 1) {
@@ -40,7 +40,7 @@ public:
 private:
     static constexpr std::uint64_t each = 0x0101010101010101U;
 
-    // Bits that neither an index of few entries nor a filter of names goes by.
+    // Bits that the filter of a class's names does not go by.
     static std::uint64_t tagOf(std::uint64_t key) noexcept { return key >> 48 & 0xFF; }
 
     // One bit for each position, those of a word eight bits apart, so that they come in the order of the positions.

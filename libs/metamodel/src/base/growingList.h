@@ -1,10 +1,11 @@
 // The growing list: for containers that only grow, by one entry at a time, and are read far more often. They keep the
 // order in which entries came; entries with a key are found by it at once.
 //
-// Entries lie in one block of memory behind an index of their keys. Adding one writes behind the published ones and
-// publishes a greater size: nothing is copied, and whoever reads goes by the size that he found. A full block is
-// replaced by one of twice the room. The newest block holds the references; a former block that a walk still needs
-// holds the newer one instead, so that what it lists stays alive, and with it what came after the walk began.
+// Entries lie in one block of memory, behind an index of their keys if there is one. Adding one writes behind the
+// published ones and publishes a greater size: nothing is copied, and whoever reads goes by the size that he found. A
+// full block is replaced by one of twice the room. The newest block holds the references; a former block that a walk
+// still needs holds the newer one instead, so that what it lists stays alive, and with it what came after the walk
+// began.
 //
 // Writers prove with the owner's held mutex that they are alone. Readers work within a section, or on a snapshot.
 //
@@ -84,7 +85,7 @@ public:
 
     // ---- writers
 
-    // The same as for readers.
+    // The same as for readers: what is only staged is not found. Valid while the mutex is held.
     template <class Matches>
     Entry const* find(heldMutex const& held, std::uint64_t key, Matches const& matches) const noexcept {
         return findIn(mSlot.currentNoted(held), key, matches);
@@ -130,7 +131,7 @@ public:
     // Throws std::bad_alloc, and nothing has changed.
     void replace(heldMutex const& held, std::size_t position, Entry const& instead) {
         block* const now = mSlot.current(held);
-        heldBody<block> next(block::make(now->taken, now));
+        heldBody<block> next(block::make(now->room, now));
         next.get()->entries()[position] = instead;
         for (Entry const& entry : next.get()->published())
             entry.retain();
@@ -198,10 +199,10 @@ private:
     std::size_t mSize = 0;
 };
 
-// Header, index, unless there are tags instead, and entries in one piece of memory. The index is an open-addressing
-// table of a power of two of words, at most three eighths of them taken, so that most questions end at the first one:
-// the entry's position plus 1 in as many bits as positions need, and above them bits of the key; 0 is a free place.
-// Words are only ever added, behind the entries that they lead to.
+// Header, then an index unless the list goes by tags, then the entries, in one piece of memory. The index is an
+// open-addressing table of a power of two of words, at most three eighths of them taken, so that most questions end at
+// the first one: the entry's position plus 1 in as many bits as positions need, and above them bits of the key; 0 is a
+// free place. Words are only ever added, behind the entries that they lead to.
 template <class Entry, class Head>
 struct alignas(std::max<std::size_t>(alignof(Entry),
                                      __STDCPP_DEFAULT_NEW_ALIGNMENT__)) growingList<Entry, Head>::block {
@@ -210,7 +211,7 @@ struct alignas(std::max<std::size_t>(alignof(Entry),
     // A block for at least `needed` entries, with what `former` has taken. Throws std::bad_alloc.
     static block* make(std::size_t needed, block const* former) {
         static_assert(smallestIndex == wordsFor(fewestIndexed));
-        std::size_t const room = std::max(fewestEntries, roomWith(wordsFor(needed)));
+        std::size_t const room = std::max(smallestRoom, roomWith(wordsFor(needed)));
         bool const isIndexed = isSearched && room >= fewestIndexed;
         std::size_t const words = isIndexed ? wordsFor(room) : 0;
         std::size_t const bytes = sizeof(block) + words * sizeof(word) + room * sizeof(Entry);
@@ -292,12 +293,12 @@ struct alignas(std::max<std::size_t>(alignof(Entry),
     heldBody<block> heir; // what holds the references in place of this block
 
 private:
-    static constexpr std::size_t fewestEntries = 6;
+    static constexpr std::size_t smallestRoom = 6;
 
     // At most three eighths of the index are taken.
     static constexpr std::size_t wordsFor(std::size_t entries) noexcept { return std::bit_ceil((entries * 8 + 2) / 3); }
     static constexpr std::size_t roomWith(std::size_t words) noexcept { return words / 8 * 3; }
-    static constexpr std::size_t fewestIndexed = hasTags ? entryTags::count + 1 : fewestEntries;
+    static constexpr std::size_t fewestIndexed = hasTags ? entryTags::count + 1 : smallestRoom;
     static constexpr std::uint32_t smallestIndex = hasTags ? 128 : 16; // for so many entries
 
     block(std::size_t roomFor, std::size_t indexWords) noexcept

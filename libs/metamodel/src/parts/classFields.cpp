@@ -76,7 +76,7 @@ fieldInfo* findField(readSection const& reading, classData const& owner, std::ws
     return searchBaseClasses ? inheritedField(reading, owner, asked, searchAliases) : nullptr;
 }
 
-newName::newName(scString given) : newName(given, nameKey(given.string(), false).isTextOf(given)) {}
+newName::newName(scString given) noexcept : newName(given, nameKey(given.string(), false).isTextOf(given)) {}
 
 refPtr<fieldInfo> addField(classData& owner, heldMutex const& held, refPtr<fieldInfo> const& added, newName const& name,
                            bool caseSensitive) {

@@ -16,7 +16,7 @@ fieldInfo* findField(readSection const& reading, classData const& owner, std::ws
 
 // The name that a field is to be filed under.
 struct newName {
-    explicit newName(scString given);
+    explicit newName(scString given) noexcept;
 
     // Of a name that is known to be its own lower case.
     static newName inLowerCase(scString given) noexcept { return newName(given, true); }
