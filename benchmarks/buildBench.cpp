@@ -1,5 +1,7 @@
 // What registering costs, and whether it costs more the more there is already.
 #include <chrono>
+#include <cstddef>
+#include <deque>
 #include <functional>
 #include <string>
 #include <vector>
@@ -38,24 +40,56 @@ void addGrowth(runner& runs, std::string const& row) {
     runs.results().addQuotient(row + ", growth", {row, "last tenth"}, {row, "first tenth"});
 }
 
-std::string classRow(std::size_t count) {
-    return "B1 class of 20 fields, " + modelSize{count, 20}.text();
+std::string classRow(modelSize size) {
+    return "B1 class of 20 fields" + std::string(size.mDefaults ? ", " : " without defaults, ") + size.text();
 }
 
-void addClasses(runner& runs, contenderKind const& kind, std::size_t count) {
-    auto const measure = [&runs, &kind, count](benchmark::State& state) {
-        auto const& load = runs.loadOf({count, 20});
+void addClasses(runner& runs, contenderKind const& kind, modelSize size) {
+    if (!kind.mCan(operation::addClass, size.mClasses)) return;
+    auto const measure = [&runs, &kind, size](benchmark::State& state) {
+        auto const& load = runs.loadOf(size);
         for (auto _ : state) {
-            buildWatch watch(runs, kind, count);
+            buildWatch watch(runs, kind, size.mClasses);
             auto const made = kind.mMake(load);
-            measureGrowth(state, count, [&](std::size_t number) {
+            measureGrowth(state, size.mClasses, [&](std::size_t number) {
                 made->addClass(load.classes()[number]);
                 watch.check();
             });
         }
     };
-    int const repetitions = count < 100'000 ? 3 : 1; // the large one is long enough to be steady
-    runs.add(classRow(count), kind.mName, measure)->Iterations(1)->Repetitions(repetitions)->UseManualTime();
+    int const repetitions = size.mClasses < 100'000 ? 3 : 1; // the large one is long enough to be steady
+    runs.add(classRow(size), kind.mName, measure)->Iterations(1)->Repetitions(repetitions)->UseManualTime();
+}
+
+// Two parts of it for this library: finding the names of the fields, and setting the values of their defaults.
+void addPartsOfClasses(runner& runs, modelSize size) {
+    auto const measureNames = [&runs, size](benchmark::State& state) {
+        auto const& load = runs.loadOf(size);
+        std::vector<string> names;
+        for (auto const& name : load.fieldNames())
+            names.push_back(string::fromUtf8(name));
+        for (string const& name : names)
+            scString::createFrom(name.lower());
+        for (auto _ : state)
+            measureGrowth(state, size.mClasses, [&](std::size_t number) {
+                for (auto const& field : load.classes()[number].mFields)
+                    benchmark::DoNotOptimize(scString::findLowered(names[field.mName]));
+            });
+    };
+    auto const measureDefaults = [&runs, size](benchmark::State& state) {
+        auto const& load = runs.loadOf(size);
+        scString const key = scString::createFrom(L"default");
+        for (auto _ : state) {
+            std::deque<genericSet> sets;
+            measureGrowth(state, size.mClasses, [&](std::size_t number) {
+                for (auto const& field : load.classes()[number].mFields)
+                    if (field.mHasDefault) sets.emplace_back().setGenericValue(key, genericValue(field.mDefault), true);
+            });
+        }
+    };
+    std::string const& own = contenderKinds().front().mName;
+    runs.add("P3 part of B1: finding 20 names, " + size.text(), own, measureNames)->Iterations(1)->UseManualTime();
+    runs.add("P4 part of B1: the default values, " + size.text(), own, measureDefaults)->Iterations(1)->UseManualTime();
 }
 
 void addFields(runner& runs, contenderKind const& kind, std::size_t count) {
@@ -122,11 +156,12 @@ void addRelations(runner& runs, std::string const& row, void (relatedClasses::*r
 } // namespace
 
 void addBuilding(runner& runs) {
-    for (std::size_t const count : {1'000U, 10'000U, 100'000U})
+    for (modelSize const size : {modelSize{1'000, 20}, {10'000, 20}, {10'000, 20, false}, {100'000, 20}})
         for (auto const& kind : contenderKinds())
-            if (kind.mCan(operation::addClass, count)) addClasses(runs, kind, count);
+            addClasses(runs, kind, size);
+    addPartsOfClasses(runs, {10'000, 20});
     runs.results().addQuotient("B1 growth: last tenth of 100000 classes to that of 1000",
-                               {classRow(100'000), "last tenth"}, {classRow(1'000), "last tenth"});
+                               {classRow({100'000, 20}), "last tenth"}, {classRow({1'000, 20}), "last tenth"});
     for (auto const& kind : contenderKinds())
         if (kind.mCan(operation::addField, 1)) addFields(runs, kind, 10'000);
     addRelations(runs, "B1 relation to a field, 10000 of one class", &relatedClasses::relateToField);
