@@ -19,6 +19,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <new>
 #include <span>
 #include <type_traits>
@@ -56,6 +57,8 @@ template <class Entry, class Head = noHead>
 class growingList {
     static_assert(std::is_trivially_copyable_v<Entry>);
 
+    // What storage is counted in.
+    struct alignas(std::max<std::size_t>(alignof(Entry), __STDCPP_DEFAULT_NEW_ALIGNMENT__)) unit {};
     struct block;
 
 public:
@@ -204,8 +207,7 @@ private:
 // the first one: the entry's position plus 1 in as many bits as positions need, and above them bits of the key; 0 is a
 // free place. Words are only ever added, behind the entries that they lead to.
 template <class Entry, class Head>
-struct alignas(std::max<std::size_t>(alignof(Entry),
-                                     __STDCPP_DEFAULT_NEW_ALIGNMENT__)) growingList<Entry, Head>::block {
+struct alignas(typename growingList<Entry, Head>::unit) growingList<Entry, Head>::block {
     using word = std::atomic<std::uint32_t>;
 
     // A block for at least `needed` entries, with what `former` has taken. Throws std::bad_alloc.
@@ -214,17 +216,16 @@ struct alignas(std::max<std::size_t>(alignof(Entry),
         std::size_t const room = std::max(smallestRoom, roomWith(wordsFor(needed)));
         bool const isIndexed = isSearched && room >= fewestIndexed;
         std::size_t const words = isIndexed ? wordsFor(room) : 0;
-        std::size_t const bytes = sizeof(block) + words * sizeof(word) + room * sizeof(Entry);
-        void* const storage = ::operator new(bytes, std::align_val_t(alignof(block)));
-        block* const made = new (storage) block(room, words);
+        block* const made = new (std::allocator<unit>().allocate(unitsFor(room, words))) block(room, words);
         if (former) made->takeOver(*former);
         return made;
     }
 
     static void end(block* last) noexcept {
         if (!last->heir) last->head.releaseAll(std::span(last->entries(), last->taken));
+        std::size_t const units = unitsFor(last->room, last->words);
         last->~block();
-        ::operator delete(last, std::align_val_t(alignof(block)));
+        std::allocator<unit>().deallocate(reinterpret_cast<unit*>(last), units);
     }
 
     // How many index words there are, for who finds the block; 0 where there are none, or too many for a note.
@@ -300,6 +301,10 @@ private:
     static constexpr std::size_t roomWith(std::size_t words) noexcept { return words / 8 * 3; }
     static constexpr std::size_t fewestIndexed = hasTags ? entryTags::count + 1 : smallestRoom;
     static constexpr std::uint32_t smallestIndex = hasTags ? 128 : 16; // for so many entries
+
+    static constexpr std::size_t unitsFor(std::size_t room, std::size_t words) noexcept {
+        return (sizeof(block) + words * sizeof(word) + room * sizeof(Entry) + sizeof(unit) - 1) / sizeof(unit);
+    }
 
     block(std::size_t roomFor, std::size_t indexWords) noexcept
         : room(static_cast<std::uint32_t>(roomFor)), words(static_cast<std::uint32_t>(indexWords)) {
