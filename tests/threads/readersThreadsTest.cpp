@@ -79,6 +79,11 @@ protected:
     }
     ~readersThatNeverWait() override { mModel->tearDown(); }
 
+    void lookUpAndReadValues() {
+        lookUp();
+        readDefault();
+    }
+
     // Nothing here assigns to a pointer: that is an exchange, for which pointers may have to wait.
     void lookUp() {
         mViolations.check(mModel->classInfo(L"PART", false) == mPart);
@@ -92,7 +97,6 @@ protected:
         mViolations.check(static_cast<bool>(mPart->toRelation(L"field29", true)));
         mViolations.check(!mPart->toRelation(L"unknown", true));
         mViolations.check(mPart->isDerivedFrom(mBase) && !mBase->isDerivedFrom(mPart));
-        readDefault();
         mViolations.check(mPart->countFields() == 31 && mModel->countClasses() >= 32);
         walk();
     }
@@ -115,16 +119,16 @@ protected:
         mViolations.check(seen >= 32 + 1 + 31 + 30 + 30);
     }
 
-    // Another thread looks everything up while this one holds a Locker.
+    // Another thread looks everything up, by `ask`, while this one holds a Locker.
     template <class Locker>
-    void expectLookupsWhileThisThreadHolds() {
+    void expectLookupsWhileThisThreadHolds(std::function<void()> const& ask) {
         bool inTime = false;
         {
             std::promise<void> held;
             anotherThread reader([&] {
                 held.get_future().wait();
                 for (int times = 0; times < 1000; ++times)
-                    lookUp();
+                    ask();
             });
             {
                 Locker const holding;
@@ -148,7 +152,7 @@ TEST_F(readersThatNeverWait, lookUpWhileAnotherThreadIsInsideAccept) {
     mModel->createClassInfo(L"late", [&](refPtr<classInfo> const&) {
         anotherThread reader([&] {
             for (int times = 0; times < 1000; ++times)
-                lookUp();
+                lookUpAndReadValues();
         });
         inTime = reader.isDone();
         return true;
@@ -179,14 +183,14 @@ TEST_F(readersThatNeverWait, lookUpWhileSeveralThreadsAreInsideAcceptOrWaitForIt
     EXPECT_EQ(mModel->countClasses(), 35u);
 }
 
-// behaviour: TH-04, TH-16, GV-33
+// behaviour: TH-04, TH-16
 TEST_F(readersThatNeverWait, lookUpWhileAnotherThreadHoldsTheSharedPtrLocker) {
-    expectLookupsWhileThisThreadHolds<zov::sharedPtrLocker>();
+    expectLookupsWhileThisThreadHolds<zov::sharedPtrLocker>([this] { lookUp(); });
 }
 
-// behaviour: TH-04, TH-16
-TEST_F(readersThatNeverWait, lookUpWhileAnotherThreadHoldsTheReferencePtrLocker) {
-    expectLookupsWhileThisThreadHolds<zov::referencePtrLocker>();
+// behaviour: TH-04, TH-16, GV-33
+TEST_F(readersThatNeverWait, lookUpAndReadValuesWhileAnotherThreadHoldsTheReferencePtrLocker) {
+    expectLookupsWhileThisThreadHolds<zov::referencePtrLocker>([this] { lookUpAndReadValues(); });
 }
 
 // ---- walks for which no writer waits

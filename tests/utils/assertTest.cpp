@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -138,6 +139,29 @@ TEST(assertMessage, throwsWhatTheHandlerThrows) {
     setAssertHandler([](string const&) { throw std::runtime_error("handler"); });
     EXPECT_THROW(assertMsg(L"reported"), std::runtime_error);
     setAssertHandler({});
+}
+
+// behaviour: AS-06
+TEST(assertMessage, isNotReportedAgainWhenTheHandlerRunsOutOfMemory) {
+    setAssertHandler([](string const&) { throw std::bad_alloc(); });
+    EXPECT_EQ(standardErrorOf([] { EXPECT_THROW(assertMsg(L"reported"), std::bad_alloc); }), "");
+    setAssertHandler({});
+}
+
+// behaviour: AS-06
+TEST(failedCheck, throwsWhatTheHandlerThrowsInsteadOfFalse) {
+    int reported = 0;
+    setAssertHandler([&](string const&) {
+        ++reported;
+        throw std::runtime_error("handler");
+    });
+    EXPECT_THROW(assertionFailed(L"holds", "file.cpp", 1), std::runtime_error);
+    EXPECT_THROW(assertThat(false, L"holds", "file.cpp", 1), std::runtime_error);
+    EXPECT_NO_THROW(assertThat(true, L"holds", "file.cpp", 1));
+    setAssertHandler([&](string const&) { ++reported; });
+    EXPECT_TRUE(throwsFalse([] { assertionFailed(L"holds", "file.cpp", 1); }));
+    setAssertHandler({});
+    EXPECT_EQ(reported, 3);
 }
 
 // behaviour: AS-07

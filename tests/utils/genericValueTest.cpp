@@ -433,6 +433,31 @@ TEST(valueRead, thatDoesNotConvertLeavesTheTarget) {
     EXPECT_EQ(other.number, 8);
 }
 
+// Trivially copyable, with room behind its members that belongs to whoever derives from it.
+class roomy {
+public:
+    explicit roomy(int number) : mNumber(number), mMark('r') {}
+    bool holds(int number) const { return mNumber == number && mMark == 'r'; }
+
+private:
+    int mNumber;
+    char mMark;
+};
+
+// behaviour: GV-03
+TEST(valueRead, intoABaseLeavesWhatTheDerivedClassKeepsBehindIt) {
+    struct derived : roomy {
+        using roomy::roomy;
+        char own[3] = {'o', 'w', 'n'};
+    };
+    static_assert(std::is_trivially_copyable_v<roomy> && sizeof(derived) == sizeof(roomy));
+    genericValue const value(roomy(42));
+    derived target(1);
+    EXPECT_TRUE(value.getValue(static_cast<roomy&>(target)));
+    EXPECT_TRUE(target.holds(42));
+    EXPECT_EQ(std::string(target.own, sizeof target.own), "own");
+}
+
 // behaviour: GV-19
 TEST(assignedText, isConvertedToTheHeldType) {
     genericValue number(1);
@@ -684,6 +709,19 @@ TEST(holderLock, isRecursive) {
     genericValueHolderLocker const inner(holder.locker());
     holder.setValue(2);
     EXPECT_EQ(holder.value(), 2);
+}
+
+// behaviour: GV-26
+TEST(holderLock, letsTheThreadThatHasItReadTheValue) {
+    genericValue const number(42);
+    genericValueHolderLocker const guard(dynamic_cast<genericValue::lockedHolder const&>(*number.heldBy()).locker());
+    int same = 0;
+    string converted;
+    EXPECT_TRUE(number.getValue(same));
+    EXPECT_TRUE(number.getValue(converted));
+    EXPECT_EQ(same, 42);
+    EXPECT_EQ(converted, L"42");
+    EXPECT_EQ(*genericValue(number).valuePtr<int>(), 42);
 }
 
 // behaviour: GV-26

@@ -143,6 +143,16 @@ TEST(sharedPtrCounter, comesFromAndGoesBackToTheLibrary) {
     shptr::releaseCounter(nullptr);
 }
 
+// behaviour: SP-09, SP-10
+TEST(sharedPtrCounter, ofNoObjectGoesBackToo) {
+    std::uint32_t volatile* const first = shptr::allocCounter();
+    shptr::releaseCounter(first);
+    { sharedPtr<base> const nothing(static_cast<base*>(nullptr)); }
+    std::uint32_t volatile* const next = shptr::allocCounter();
+    EXPECT_TRUE(next == first);
+    shptr::releaseCounter(next);
+}
+
 // behaviour: SP-11
 TEST(sharedPtrAssignment, sharesTheNewObjectAndGivesUpTheFormer) {
     int const before = base::alive;

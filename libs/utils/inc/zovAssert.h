@@ -32,7 +32,8 @@ ZOV_UTILS_API void assertMsg(wchar_t const* text, ...);
 // Fails: std::bad_alloc, and the old handler stays.
 ZOV_UTILS_API void setAssertHandler(std::function<void(string const&)> handler);
 
-// Reports the failed `condition` of the given place in the source, then throws false.
+// Reports the failed `condition` of the given place in the source, then throws false; or, instead, what the installed
+// handler throws.
 [[noreturn]] ZOV_UTILS_API void assertionFailed(wchar_t const* condition, char const* file, int line);
 
 // The precondition check: does nothing when `holds`, else reports and throws false. The place is stated by

@@ -11,7 +11,7 @@
 //
 // Threads: one set may be read and written from several threads. Entries are shared values, the map is guarded
 // inside, and an old value ends after the guard is gone. A raw pointer into a set (getValuePtr) is for a thread
-// that knows that nobody replaces or erases the entry meanwhile.
+// that knows that nobody replaces or erases the entry meanwhile; moving from a set is for who has it to himself.
 //
 // Fails: what stores or copies throws std::bad_alloc; the set is then as before.
 #pragma once

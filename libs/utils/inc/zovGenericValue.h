@@ -14,7 +14,8 @@
 // Threads: each held value has a lock of its own. Copying a value, getValue, assignText and setValue take it, so
 // one value may be read and written from several threads; pointers and references into it (valuePtr, value()) do
 // not. Assigning to one genericValue object from several threads exchanges under a sharedPtrLocker; copying
-// *from*, and reading, an object that another thread assigns to is safe too, and takes no lock that all share.
+// *from*, and reading, an object that another thread assigns to is safe too. It takes no lock that all share, and waits
+// only while another thread holds a sharedPtrLocker. Moving from a value is for who has it to himself.
 //
 // Fails: std::bad_alloc, with both sides as before; and with what copying a T throws.
 #pragma once
@@ -138,7 +139,8 @@ public:
     genericValue& operator=(genericValue&& other) noexcept;
     ~genericValue() = default;
 
-    // Values on the heap lie in small storage, however they are made there. The size tells a derived class's apart.
+    // Values on the heap lie in small storage, however they are made there. The size tells a derived class's apart (but
+    // for one whose constructor throws in the nothrow form: its storage stays with the library).
     // NOLINTNEXTLINE(misc-new-delete-overloads): the sized form is the matching one
     static void* operator new(std::size_t size) { return detail::smallStorage::allocate(size); }
     static void* operator new(std::size_t size, std::nothrow_t const&) noexcept {
@@ -164,7 +166,7 @@ public:
     template <class T>
     static genericValue byReference(T const& object);
 
-    bool isEmpty() const noexcept { return !mHolder; }
+    bool isEmpty() const noexcept;
 
     // The type of the held value; typeid(void) when empty.
     std::type_info const& type() const;
@@ -185,16 +187,18 @@ public:
     // false, with the value as it was, when the text does not convert or the object is const.
     bool assignText(zov::string const& text);
 
-    // The holder, null when empty.
+    // The holder, null when empty. Stays valid while this value is neither assigned to nor destroyed; takes no lock.
     holderbase* heldBy() noexcept { return mHolder.get(); }
     holderbase const* heldBy() const noexcept { return mHolder.get(); }
 
 private:
     friend class genericSet;
 
-    // A counted pointer to the holder at this moment, safe against a concurrent assignment; takes no lock that all
-    // values share.
+    // A counted pointer to the holder at this moment, safe against a concurrent assignment.
     sharedPtr<holderbase> heldNow() const noexcept;
+
+    // The same in place of the empty `into`, for who must not wait. False while another thread holds a sharedPtrLocker.
+    bool heldIfFree(sharedPtr<holderbase>& into) const noexcept;
 
     // Copies the bytes of a value that is held by exactly that holder class, if its lock is free; answers whether it
     // did.
@@ -433,8 +437,12 @@ T const* genericValue::valuePtr() const {
 template <class T>
 bool genericValue::getValue(T& out) const {
     // Numbers and their like are seldom written just now: they need not be counted while they are copied.
-    if constexpr (std::is_trivially_copyable_v<T>) {
-        if (copyBytes(typeid(valueholder<T>), &out, sizeof(T))) return true;
+    if constexpr (std::is_scalar_v<T>) {
+        T copy;
+        if (copyBytes(typeid(valueholder<T>), &copy, sizeof(T))) {
+            out = copy;
+            return true;
+        }
     }
     sharedPtr<holderbase> const source = heldNow();
     if (!source) return false;

@@ -18,8 +18,8 @@
 // referencePtrLocker), and copy from it while holding a referencePtrLocker.
 //
 // Fails: using an empty pointer reports "m_p != NULL" and throws false. When an object ends and its destroy
-// hook fails, everything is freed all the same; then release(), reset() or the assignment that gave up the
-// last reference throws false, unless another exception is under way. Destructors of pointers never throw.
+// hook fails, everything is freed all the same; then release(), reset() or the copying assignment that gave up the
+// last reference throws false, unless another exception is under way. Destructors and moves of pointers never throw.
 #pragma once
 
 #include <atomic>
@@ -122,7 +122,7 @@ private:
     friend class refObjEnding;
 
     // The count. Once it has come back to 0, both words may hold the link to the next object that waits for its end.
-    alignas(void*) std::uint32_t volatile mWords[2]{0, 0};
+    alignas(void*) std::uint32_t mWords[2]{0, 0};
 };
 
 // Held while a shared refPtr slot is copied or exchanged. One lock for the whole process, recursive on a thread.

@@ -52,9 +52,9 @@ struct spareBlock : block {
 } // namespace
 
 // The entries in the order of their keys, with their guard: one entry in the record itself, more in a block. The
-// record never moves. Under the guard pointers are copied and moved; no value is copied, called or destroyed, and no
-// storage made or given back: replaced values and blocks end with what is the caller's own, and whose guard nobody
-// needs.
+// record never moves. Under the guard pointers are copied and moved, an entry's own one under its slot's lock; no value
+// is copied, called or destroyed, and no storage made or given back: replaced values and blocks end with what is the
+// caller's own, and whose guard nobody needs.
 struct genericSet::record {
     record() noexcept {}
     record(record const&) = delete;
@@ -80,13 +80,14 @@ struct genericSet::record {
         return holds(at, key) ? at->value : nullptr;
     }
 
-    // Calls `look` with the entry's value, if there is one, under the guard; answers whether there is.
+    // Calls `look` with the entry's value, if there is one, under the guard, under which nobody may wait; answers
+    // whether there is.
     template <class Look>
     bool look(scString key, Look const& look) const noexcept {
         std::lock_guard const held(mGuard);
         entryOfSet const* const at = place(key);
         if (!holds(at, key)) return false;
-        look(*at->value);
+        look(at->value);
         return true;
     }
 
@@ -271,11 +272,19 @@ void genericSet::erase(scString const& key) {
 
 bool genericSet::copyValue(scString const& key, zov::genericValue& out) const {
     record const* const from = mRecord.load(std::memory_order_acquire);
-    std::optional<sharedPtr<zov::genericValue::holderbase>> source; // of another value than `out`
-    bool const isThere = from && from->look(key, [&](zov::genericValue const& value) {
-        if (&value != &out) source.emplace(value.heldNow());
+    sharedPtr<zov::genericValue::holderbase> source;
+    std::optional<valuePtr>
+        later; // when another thread holds the sharedPtrLocker, for which nobody waits under the guard
+    bool isOther = false;
+    bool const isThere = from && from->look(key, [&](valuePtr const& stored) {
+        isOther = stored.get() != &out;
+        if (isOther && !stored->heldIfFree(source)) later.emplace(stored);
     });
-    if (source) out.assignClone(*source);
+    if (later) {
+        out.assignClone((*later)->heldNow());
+    } else if (isOther) {
+        out.assignClone(source);
+    }
     return isThere;
 }
 

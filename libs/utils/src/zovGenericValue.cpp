@@ -12,6 +12,7 @@
 #include "zovCellPool.h"
 #include "zovGuardedSwap.h"
 #include "zovLeafLock.h"
+#include "zovSharedLock.h"
 #include "zovSpinLock.h"
 #include "zovTypeConvert.h"
 
@@ -123,8 +124,8 @@ bool detail::convertValue(std::type_info const& outType, void* out, genericValue
 
 namespace {
 
-// The locks under which a value's pointer to its holder is exchanged and counted, shared by the values' addresses.
-// Taken under the sharedPtrLocker or alone; the pair of pointers is read and swapped under it, no more.
+// The locks under which a value's pointer to its holder is exchanged and looked at, shared by the values' addresses.
+// Under it the pair of pointers is read or swapped, or a few bytes of the value are copied, if its own lock is free.
 struct alignas(64) slotLock : leafLock {};
 constexpr std::size_t slotLockCount = 64;
 constinit std::array<slotLock, slotLockCount> slotLocks;
@@ -133,6 +134,32 @@ slotLock& slotLockOf(genericValue const* value) noexcept {
     auto const address = reinterpret_cast<std::uintptr_t>(value);
     return slotLocks[(address / sizeof(genericValue) ^ address / 4096) % slotLockCount];
 }
+
+// Takes a slot for reading, unless another thread holds the sharedPtrLocker: of several assignments under one locker
+// nobody else is to see the first ones. Who has just assigned here, and holds the locker still, is seen to hold it.
+bool lockForReading(slotLock& slot) noexcept {
+    slot.lock();
+    if (!sharedLock.isHeldElsewhere()) return true;
+    slot.unlock();
+    return false;
+}
+
+// A value's slot, held for reading. Waits for the sharedPtrLocker while another thread holds it, and otherwise leaves
+// it alone.
+class readableSlot {
+public:
+    explicit readableSlot(genericValue const* value) noexcept : mSlot(slotLockOf(value)) {
+        if (lockForReading(mSlot)) return;
+        sharedPtrLocker const turn;
+        mSlot.lock();
+    }
+    ~readableSlot() { mSlot.unlock(); }
+    readableSlot(readableSlot const&) = delete;
+    readableSlot& operator=(readableSlot const&) = delete;
+
+private:
+    slotLock& mSlot;
+};
 
 } // namespace
 
@@ -169,18 +196,32 @@ void genericValue::exchange(sharedPtr<holderbase>& other) noexcept {
 }
 
 sharedPtr<genericValue::holderbase> genericValue::heldNow() const noexcept {
-    std::lock_guard const held(slotLockOf(this));
+    readableSlot const slot(this);
     return mHolder;
+}
+
+bool genericValue::heldIfFree(sharedPtr<holderbase>& into) const noexcept {
+    slotLock& slot = slotLockOf(this);
+    if (!lockForReading(slot)) return false;
+    std::lock_guard const held(slot, std::adopt_lock);
+    sharedPtr<holderbase> copy(mHolder);
+    swapGuarded(into, copy);
+    return true;
+}
+
+bool genericValue::isEmpty() const noexcept {
+    readableSlot const slot(this);
+    return !mHolder;
 }
 
 // Does not wait for the holder's lock: whoever has it may want the slot's.
 bool genericValue::copyBytes(std::type_info const& holderClass, void* out, std::size_t size) const noexcept {
-    std::lock_guard const guard(slotLockOf(this));
+    readableSlot const slot(this);
     holderbase const* const held = mHolder.get();
     if (!held || &typeid(*held) != &holderClass) return false;
     spinLockerRecursive& lock = *static_cast<lockedHolder const*>(held)->locker();
     if (!lock.tryLock()) return false;
-    std::memmove(out, held->valuePointer(), size);
+    std::memcpy(out, held->valuePointer(), size);
     lock.unlock();
     return true;
 }

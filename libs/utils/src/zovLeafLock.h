@@ -1,4 +1,4 @@
-// A lock of one byte for sections of a few instructions that take no other lock and call nobody: a list of free
+// A lock of one byte for sections of a few instructions in which nobody waits and no host is called: a list of free
 // cells, a set's entries, a pointer with its counter. Not recursive. Taking it allocates nothing and cannot fail.
 #pragma once
 

@@ -78,11 +78,11 @@ public:
     // The link of an object that waits.
     static refObj* next(refObj const* object) noexcept {
         refObj* linked;
-        std::memcpy(&linked, const_cast<std::uint32_t const*>(object->mWords), sizeof(void*));
+        std::memcpy(&linked, object->mWords, sizeof(void*));
         return linked;
     }
     static void setNext(refObj* object, refObj* linked) noexcept {
-        std::memcpy(const_cast<std::uint32_t*>(object->mWords), &linked, sizeof(void*));
+        std::memcpy(object->mWords, &linked, sizeof(void*));
     }
 
 private:

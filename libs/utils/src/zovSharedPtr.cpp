@@ -2,15 +2,11 @@
 
 #include "zovAssert.h"
 #include "zovCellPool.h"
-#include "zovSpinLock.h"
+#include "zovSharedLock.h"
 
 namespace zov {
 
-namespace {
-
 constinit spinLockerRecursive sharedLock;
-
-} // namespace
 
 std::uint32_t volatile* shptr::allocCounter() {
     return static_cast<std::uint32_t*>(cellsOf8.take());

@@ -1,6 +1,6 @@
 // The recursive spin lock of pointer lockers and value holders. Taking it allocates nothing and cannot fail, so that it
-// may be taken while memory is gone and in code that must not throw. It spins briefly, then yields: sections under it
-// are a few instructions long.
+// may be taken while memory is gone and in code that must not throw. It spins briefly, then yields: most sections under
+// it are a few instructions long. (A value is cloned or converted under its holder's lock, which may take longer.)
 #pragma once
 
 #include <atomic>
@@ -40,6 +40,12 @@ public:
             return false;
         ++mDepth;
         return true;
+    }
+
+    // Whether another thread has it at this moment.
+    bool isHeldElsewhere() const noexcept {
+        void const* const owner = mOwner.load(std::memory_order_relaxed);
+        return owner && owner != &threadMark;
     }
 
     void unlock() noexcept {
