@@ -224,6 +224,22 @@ TEST(faultsOfFieldMeaning, makingTypeDefaultsAndNullValuesThrowsBadAlloc) {
                 makeValueWhileMemoryFails(type, isNull, kind);
 }
 
+// behaviour: FV-17, FV-19
+TEST(faultsOfFieldMeaning, tellingANullValueOfTheFieldsTypeNeedsNoMemory) {
+    auto const part = classInfo::createClassInfo(L"part");
+    auto const text = part->createFieldInfo(L"text", eString, genericSet(), L"");
+    auto const bytes = part->createFieldInfo(L"bytes", eBinary, genericSet(), L"");
+    genericValue const longOne(longText(L't'));
+    genericValue const buffer(zov::binaryBuffer(1000));
+    bool anyIsNull = true;
+    bool needsMemory = true;
+    auto const ask = [&] { anyIsNull = text->isNullValue(longOne) || bytes->isNullValue(buffer); };
+    EXPECT_EQ(attempted(0, zov::tests::eAllAllocations, ask, needsMemory), ePassed);
+    EXPECT_FALSE(anyIsNull);
+    EXPECT_FALSE(needsMemory);
+    part->tearDown();
+}
+
 // behaviour: EI-12
 TEST(faultsOfFieldMeaning, readingAnItemLeavesItAsItWas) {
     string const text = L"some value , a name, that is, long enough to need memory of its own, piece by piece";

@@ -312,21 +312,33 @@ public:
     latticeWithoutMemory& operator=(latticeWithoutMemory const&) = delete;
 
     void expectSearched() const {
-        string const known = L"known";
-        string const unknown = L"unknown";
-        auto const apart = mModel->createClassInfo(L"apart");
-        withoutMemory([&](silentChecks& checks) {
-            checks.check(mBottom->fieldInfo(known, true, true) == mTop->fieldInfo(known, false, false));
-            checks.check(mBottom->toRelation(known, true) == mTop->toRelation(known, false));
-            checks.check(!mBottom->fieldInfo(unknown, true, true) && !mBottom->toRelation(unknown, true));
-            checks.check(mBottom->isDerivedFrom(mTop) && !mBottom->isDerivedFrom(apart));
-            refPtr<refObj> object;
-            checks.check(mBottom->getUserProperty(known, object, true) && !object);
-            checks.check(!mBottom->getUserProperty(unknown, object, true));
-        });
+        withoutMemory([&](silentChecks& checks) { search(checks); });
+    }
+
+    // The same while every allocation is refused, where a search asks for one.
+    void expectSearchedThoughMemoryIsRefused() const {
+        silentChecks checks;
+        bool wasRefused = false;
+        {
+            failingAllocations const armed(0);
+            search(checks);
+            wasRefused = zov::tests::hasFailed;
+        }
+        EXPECT_TRUE(wasRefused);
+        checks.report();
     }
 
 private:
+    void search(silentChecks& checks) const {
+        checks.check(mBottom->fieldInfo(mKnown, true, true) == mTop->fieldInfo(mKnown, false, false));
+        checks.check(mBottom->toRelation(mKnown, true) == mTop->toRelation(mKnown, false));
+        checks.check(!mBottom->fieldInfo(mUnknown, true, true) && !mBottom->toRelation(mUnknown, true));
+        checks.check(mBottom->isDerivedFrom(mTop) && !mBottom->isDerivedFrom(mApart));
+        refPtr<refObj> object;
+        checks.check(mBottom->getUserProperty(mKnown, object, true) && !object);
+        checks.check(!mBottom->getUserProperty(mUnknown, object, true));
+    }
+
     static void addTo(refPtr<classInfo> const& owner) {
         owner->createFieldInfo(L"known", eInt, genericSet(), L"");
         owner->createRelation(L"known", false, owner, eRef, L"", L"");
@@ -336,6 +348,9 @@ private:
     refPtr<modelInfo> const mModel = modelInfo::createModelInfo(false);
     refPtr<classInfo> const mTop = mModel->createClassInfo(L"top");
     refPtr<classInfo> const mBottom = mModel->createClassInfo(L"bottom");
+    refPtr<classInfo> const mApart = mModel->createClassInfo(L"apart");
+    string const mKnown = L"known";
+    string const mUnknown = L"unknown";
 };
 
 // behaviour: AF-16, AF-20, CI-08, CR-18, UP-16
@@ -345,6 +360,11 @@ TEST(latticesWithoutMemory, areSearchedWhole) {
     latticeWithoutMemory(1, 400).expectSearched();
     latticeWithoutMemory(2, 40).expectSearched();
     latticeWithoutMemory(300, 1).expectSearched();
+}
+
+// behaviour: AF-20, CI-13
+TEST(latticesWithoutMemory, ofAThousandBasesAreSearchedWholeThoughMemoryIsRefused) {
+    latticeWithoutMemory(1, 1000).expectSearchedThoughMemoryIsRefused();
 }
 
 // There are 3 to the 40th ways to the top: a search remembers where it has been, and needs no memory for it either.

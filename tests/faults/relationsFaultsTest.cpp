@@ -32,6 +32,7 @@ using zov::metamodel::eSemCustom;
 using zov::metamodel::eSemPrimkey;
 using zov::metamodel::eSemRelation;
 using zov::metamodel::fieldInfo;
+using zov::metamodel::idInfo;
 using zov::metamodel::modelInfo;
 using zov::metamodel::relationInfo;
 using zov::tests::attempt;
@@ -332,6 +333,30 @@ public:
 // behaviour: CR-16
 TEST(faultsOfRelations, aKeyStaysOneWhenItsRelationIsNotCreated) {
     everyAllocationFailing<keyIsRelated>(eNull);
+}
+
+// A field that stands for a key: the class's id set, which the relation's semantic would drop, stays the same object.
+class standingKeyIsRelated : public iteration {
+public:
+    standingKeyIsRelated() {
+        addField(mBase, L"number")->setSemantic(eSemPrimkey, genericSet(), L"");
+        mOrder->createFieldInfo(mBase, mKeyName);
+        mKeys = mOrder->idInfo();
+    }
+    // No relation arrives there yet, so that filing this one needs memory.
+    bool act() override {
+        return static_cast<bool>(mOrder->createRelation(mKeyName, false, mBase, eAgg, mName, mName));
+    }
+    void check(attempt const& made) override { EXPECT_EQ(mOrder->idInfo() == mKeys, made.ended != ePassed); }
+
+private:
+    string const mKeyName = L"number";
+    refPtr<idInfo> mKeys;
+};
+
+// behaviour: CR-16
+TEST(faultsOfRelations, theIdSetOfAStandingKeyIsTheSameWhenItsRelationIsNotCreated) {
+    everyAllocationFailing<standingKeyIsRelated>(eNull);
 }
 
 class relationToItsOwnClassIsCreated : public iteration {

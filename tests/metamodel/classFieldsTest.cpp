@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <string>
 #include <type_traits>
 
 #include "modelFixture.h"
@@ -312,6 +313,70 @@ TEST(classFields, answersWithTheBasesFieldWhenItsOwnRuleMissesTheStandingOne) {
     EXPECT_EQ(part->createFieldInfo(base.pointer(), L"WIDTH"), width);
     ASSERT_EQ(part->countFields(), 1u);
     EXPECT_EQ(part->fieldInfo(L"width", false, false)->baseField(), width);
+}
+
+// behaviour: CF-28
+TEST(classFields, throwsFalseWhenItsOwnRuleMissesTheStandingFieldOfABasesBase) {
+    ownModel const model(true);
+    auto const part = model->createClassInfo(L"part");
+    auto const between = model->createClassInfo(L"between");
+    ownClass const base(L"base");
+    auto const width = addField(base, L"width");
+    between->addBaseClass(base);
+    part->addBaseClass(between);
+    EXPECT_TRUE(throwsFalse([&] { part->createFieldInfo(base.pointer(), L"WIDTH"); }));
+    ASSERT_EQ(part->countFields(), 1u);
+    EXPECT_EQ(part->fieldInfo(L"width", false, false)->baseField(), width);
+}
+
+// Names of more units than are folded in one go, and of units beyond Latin ones.
+constexpr wchar_t const* unusualNames[] = {
+    L"A Name Of More Than Thirty-One Units, Which Is Long",
+    L"A Name Of Sixty-Four Units And Some More, Which Is Longer Than All Others Here",
+    L"\u0416\u0418\u0420",
+    L"\u00C4 \u0416\u0418\u0420\u041D\u042B\u0419 Name Of More Than Thirty-One Units, Some Of Them Wide",
+};
+
+// behaviour: CF-01, CF-09, MF-01, MR-02
+TEST(classFields, ofLongAndWideNamesAreFoundAmongFewAndManyWhateverTheCase) {
+    for (int const others : {0, 20, 100}) {
+        ownModel const model;
+        auto const base = model->createClassInfo(L"base");
+        for (int other = 0; other < others; ++other)
+            addField(base, (L"other " + std::to_wstring(other)).c_str());
+        for (wchar_t const* name : unusualNames) {
+            SCOPED_TRACE(string(name).toUtf8() + " among " + std::to_string(others));
+            auto const field = addField(base, name);
+            auto const owner = model->createClassInfo(name);
+            owner->addBaseClass(base);
+            string const lowered = string(name).lower();
+            EXPECT_EQ(field->scName().string(), lowered);
+            EXPECT_EQ(model->classInfo(lowered, false), owner);
+            EXPECT_EQ(model->classInfo(name, false), owner);
+            for (string const& asked : {string(name), lowered}) {
+                EXPECT_EQ(base->fieldInfo(asked, false, false), field);
+                EXPECT_EQ(owner->fieldInfo(asked, true, false), field);
+                EXPECT_EQ(model->fieldInfo(string(L"BASE." + asked), false), field);
+                EXPECT_EQ(addField(base, asked.c_str()), field);
+            }
+            EXPECT_EQ(base->fieldInfo(string(lowered + L"x"), false, false), nullptr);
+            EXPECT_EQ(base->fieldInfo(string(lowered.substr(1)), false, false), nullptr);
+        }
+    }
+}
+
+// behaviour: CF-02
+TEST(classFields, ofLongAndWideNamesKeepTheirCaseWhereItMatters) {
+    ownModel const model(true);
+    auto const part = model->createClassInfo(L"part");
+    for (wchar_t const* name : unusualNames) {
+        SCOPED_TRACE(string(name).toUtf8());
+        auto const field = addField(part, name);
+        auto const other = addField(part, string(name).lower().c_str());
+        EXPECT_NE(field, other);
+        EXPECT_EQ(part->fieldInfo(name, false, false), field);
+        EXPECT_EQ(part->fieldInfo(string(name).lower(), false, false), other);
+    }
 }
 
 // behaviour: CF-12

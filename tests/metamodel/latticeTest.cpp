@@ -105,6 +105,13 @@ TEST(lattices, ofManyClassesSideBySideOrInARowAreSearchedWhole) {
     expectAllAnswers(1, 300);
 }
 
+// More classes than a search remembers without taking memory.
+// behaviour: CI-08, CI-13, CF-07, CR-11, UP-03
+TEST(lattices, ofAThousandBasesAreSearchedWhole) {
+    expectAllAnswers(1000, 1);
+    expectAllAnswers(30, 60);
+}
+
 // A search that went every way would not come back: there are 2 to the 40th of them and more.
 // behaviour: CI-08, CI-13, CF-07, CR-11, UP-03
 TEST(deepLattices, areSearchedInNoTimeByFieldsRelationsAndProperties) {

@@ -174,6 +174,7 @@ TEST(semanticTexts, nameTheClassesOfARelationWithoutTheFirstCharacter) {
     expectRelation(L"relation( Part)", {L"part"});
     expectRelation(L"relation(\tpart,order)", {L"part", L"order"});
     expectRelation(L"relation(ÄRMEL)", {L"rmel"});
+    expectRelation(L"relation(relation(", {L"elation("});
 }
 
 // behaviour: FS-24

@@ -29,6 +29,7 @@ using zov::metamodel::eAgg;
 using zov::metamodel::eInt;
 using zov::metamodel::ePtr;
 using zov::metamodel::eRef;
+using zov::metamodel::eSemNone;
 using zov::metamodel::eSemRelation;
 using zov::metamodel::fieldInfo;
 using zov::metamodel::modelInfo;
@@ -178,6 +179,37 @@ TEST_F(threadsOfRelations, toTheSameFieldsAreAtMostOneForEachThread) {
     EXPECT_LE(made.size(), 200u);
     creator();
     EXPECT_EQ(leaving(mOrder).size(), made.size());
+}
+
+// The semantic is the last one's who set it; the relations are there whoever that was.
+// behaviour: CR-17, TH-10
+TEST_F(threadsOfRelations, fromOneFieldAreAllThereBesideItsOtherSemantics) {
+    constexpr int times = 1000;
+    std::atomic<int> finished{0};
+    auto const creator = [&](wchar_t const* stem) {
+        return [&, stem] {
+            for (int i = 0; i < times; ++i) {
+                auto const made = mOrder->createRelation(L"field0", false, mCustomer, eRef, numbered(stem, i), L"");
+                mViolations.check(made && made->firstFromFieldInfo() == mFromFields[0]);
+            }
+            ++finished;
+        };
+    };
+    auto const other = [&] {
+        for (bool last = false; !last;) {
+            last = finished == 2;
+            mFromFields[0]->setSemantic(eSemNone, genericSet(), L"");
+        }
+    };
+    runTogether({creator(L"mine"), creator(L"yours"), other});
+    auto const made = leaving(mOrder);
+    EXPECT_EQ(made.size(), 2u * times);
+    EXPECT_EQ(sorted(made), sorted(arriving(mCustomer)));
+    for (int i = 0; i < times; ++i) {
+        EXPECT_TRUE(mOrder->toRelation(numbered(L"mine", i), false)) << i;
+        EXPECT_TRUE(mOrder->toRelation(numbered(L"yours", i), false)) << i;
+    }
+    EXPECT_EQ(mFromFields[0]->semantic(), eSemNone);
 }
 
 // ---- reading beside that

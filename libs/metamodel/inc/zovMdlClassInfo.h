@@ -13,6 +13,7 @@
 // while the class is built, by one thread. Walks may call anything, also on the class being walked.
 //
 // Fails: a refused operation throws false; so does creating a field when memory is gone, and then nothing changed.
+// Whatever else needs memory throws std::bad_alloc, if nothing else is said, and nothing changed either.
 #pragma once
 
 #include <cstdint>
@@ -82,7 +83,9 @@ public:
 
     // Creates the field that stands in this class for the field `name` of `baseClass`, or returns the class's own
     // field of that name. Throws false when this class is not derived from baseClass, when baseClass (and its
-    // direct bases) have no such field, or when memory is gone.
+    // direct bases) have no such field, or when memory is gone. Where this class's case rule does not find the field's
+    // name by the given letters, the field is added all the same; the direct base's field is returned then, and
+    // without one false is thrown.
     refPtr<metamodel::fieldInfo> createFieldInfo(refPtr<classInfo>& baseClass, string const& name);
     refPtr<metamodel::fieldInfo> createFieldInfo(refPtr<classInfo> const& baseClass, string const& name);
 
@@ -238,6 +241,9 @@ private:
     refPtr<metamodel::fieldInfo> findField(std::wstring_view name, bool searchBaseClasses, bool searchAliases) const;
     refPtr<metamodel::fieldInfo> findCreated(std::wstring_view name) const;
     std::vector<refPtr<metamodel::fieldInfo>> identifyingFields() const;
+    ZOV_METAMODEL_LOCAL refPtr<metamodel::idInfo> collectedIdInfo() const;
+    // For a field that has become identifying again without having been told of.
+    ZOV_METAMODEL_LOCAL void onKeyRestored(metamodel::fieldInfo const& field) noexcept;
 
     refPtr<relationInfo> relationBetween(refPtr<metamodel::fieldInfo> const& fromField,
                                          refPtr<metamodel::fieldInfo> const& toField) const;

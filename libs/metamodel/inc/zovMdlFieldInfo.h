@@ -10,7 +10,8 @@
 // Threads: reading is safe from any thread. Type, semantic and flags may be changed beside readers; label, unit
 // and aliases belong to the time while the class is built, by one thread.
 //
-// Fails: as each member says; a failed check reports and throws false (zovAssert.h).
+// Fails: as each member says; a failed check reports and throws false (zovAssert.h). What needs memory throws
+// std::bad_alloc, if nothing else is said, and nothing changed.
 #pragma once
 
 #include <cstddef>
@@ -39,7 +40,8 @@ class ZOV_METAMODEL_API fieldInfo final : public iRefObj, public refObj {
 public:
     // ---- names
 
-    // The root field's name: the key that lookups compare. Stays valid as long as the process.
+    // The root field's name: the key that lookups compare. The reference is good while the field lives, a copy of it,
+    // and the text that it leads to, as long as the process.
     scString const& scName() const;
 
     // "class.field". For an inheriting field the part behind the full stop is empty while its class is attached,
@@ -135,7 +137,8 @@ public:
     // Whether a value counts as no value. Numbers, texts, dates, times, timestamps and buffers are compared with the
     // null value, floating numbers with a tolerance of 1e-06 (not-a-number is not null); a value held as another type
     // is converted first. For all other types only the empty genericValue is null. Throws false when the value, or no
-    // value, cannot be read as the field's type.
+    // value, cannot be read as the field's type. The value is looked at where it is held: nobody may assign to it
+    // meanwhile.
     bool isNullValue(genericValue const& value) const;
 
     // ---- items
@@ -158,8 +161,8 @@ public:
     //   ...relation(xA,B)          eSemRelation, the names without their first character x, blanks and the trailing
     //                              parentheses under referencedClasses() as a std::vector<string>; eSemNone when none
     //                              is left
-    // Answers false, with `sem` eSemNone, for any other text. Throws std::out_of_range when the text ends with
-    // "relation(".
+    // Answers false, with `sem` eSemNone, for any other text. Throws std::out_of_range when no earlier rule fits and
+    // the text ends behind its first "relation(".
     static bool parseSemantics(string const& text, eFieldSemantics& sem, genericSet& attribs);
 
     // The text of a semantic; the empty text for eSemPrimkey, eSemCustom, and values that are none.
@@ -258,6 +261,7 @@ private:
     refPtr<fieldInfo> copyFor(metamodel::classInfo* owner, string const& name) const;
 
     fieldInfo const& root() const noexcept;
+    ZOV_METAMODEL_LOCAL bool awaitsIdSet(metamodel::classInfo const* owner) const noexcept;
     struct semanticState;
     semanticState semanticNow() const;
     void restoreSemantic(semanticState former) noexcept;

@@ -5,7 +5,8 @@
 // strongly. It may pair several fields (a compound key); the first pair fixes the two classes.
 //
 // Threads: any thread may call anything; pairs may be added beside readers.
-// Fails: a failed check reports and throws false (zovAssert.h).
+// Fails: a failed check reports and throws false (zovAssert.h). Adding a pair throws std::bad_alloc when memory is
+// gone, and nothing changed.
 #pragma once
 
 #include <functional>

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <iterator>
+#include <string>
+#include <unordered_set>
 
 #include "base/allocation.h"
 #include "base/counting.h"
@@ -18,6 +20,7 @@
 #include "parts/baseSearch.h"
 #include "parts/classFields.h"
 #include "parts/knownAliases.h"
+#include "parts/propertySearch.h"
 #include "zovAssert.h"
 
 namespace zov::metamodel {
@@ -48,6 +51,35 @@ bool walkClasses(relatedClasses const& table, bool stopOnFalse,
 // "class.field" by the root's name, which an inheriting field's qualifiedName() lacks.
 string qualified(fieldInfo const& field) {
     return field.classInfo()->scName().string() + L"." + field.scName().string();
+}
+
+refPtr<classInfo> const& classOf(refPtr<classInfo> const& target) {
+    return target;
+}
+refPtr<classInfo> classOf(refPtr<fieldInfo> const& target) {
+    return target ? target->classInfo() : nullptr;
+}
+
+// The mutexes of the two classes of a relation, which may be the same one.
+class heldClasses {
+public:
+    heldClasses(classData& source, classData& target)
+        : mSource(source.mMutex, std::defer_lock), mTarget(target.mMutex, std::defer_lock) {
+        &source == &target ? mSource.lock() : std::lock(mSource, mTarget);
+    }
+    heldMutex const& source() const noexcept { return mSource; }
+    heldMutex const& target() const noexcept { return mTarget.owns_lock() ? mTarget : mSource; }
+
+private:
+    heldMutex mSource;
+    heldMutex mTarget;
+};
+
+// Makes room for a relation in both classes. Throws std::bad_alloc.
+void reserveRelation(classData& source, classData& target) {
+    heldClasses const held(source, target);
+    source.mToRelations.reserve(held.source(), 1);
+    target.mFromRelations.reserve(held.target(), 1);
 }
 
 string prefixed(wchar_t const* prefix, scString name) {
@@ -175,14 +207,16 @@ refPtr<fieldInfo> classInfo::createFieldInfo(string const& name, eFieldType type
                                              string const& customTypeString) {
     if (auto known = findField(name, true, false)) return known;
     bool const caseSensitive = mData->mCaseSensitiveNames;
-    auto const added = falseWithoutMemory([&]() -> refPtr<metamodel::fieldInfo> {
-        refPtr<metamodel::fieldInfo> const made(
+    auto added = falseWithoutMemory([&]() -> refPtr<metamodel::fieldInfo> {
+        refPtr<metamodel::fieldInfo> made(
             new metamodel::fieldInfo(this, nameByRule(name, caseSensitive), type, typeAttribs, customTypeString));
         newName const named = caseSensitive ? newName(made->scName()) : newName::inLowerCase(made->scName());
         heldMutex const held(mData->mMutex);
-        return addField(*mData, held, made, named, caseSensitive) ? nullptr : made;
+        if (addField(*mData, held, made, named, caseSensitive)) return nullptr;
+        return made;
     });
-    return added ? added : findCreated(name);
+    if (added) return added;
+    return findCreated(name);
 }
 
 refPtr<fieldInfo> classInfo::createFieldInfo(refPtr<classInfo>& baseClass, string const& name) {
@@ -193,13 +227,14 @@ refPtr<fieldInfo> classInfo::createFieldInfo(refPtr<classInfo> const& baseClass,
     if (!isDerivedFrom(baseClass)) throw false;
     auto const baseField = baseClass->findField(name, true, false);
     if (!baseField) throw false;
-    auto const known = falseWithoutMemory([&]() -> refPtr<metamodel::fieldInfo> {
+    auto known = falseWithoutMemory([&]() -> refPtr<metamodel::fieldInfo> {
         refPtr<metamodel::fieldInfo> const added(new metamodel::fieldInfo(this, baseField));
         newName const inherited(added->scName());
         heldMutex const held(mData->mMutex);
         return addField(*mData, held, added, inherited, false);
     });
-    return known ? known : findCreated(name);
+    if (known) return known;
+    return findCreated(name);
 }
 
 // What a creating call returns in the end: the field as lookups find it.
@@ -256,9 +291,11 @@ bool classInfo::copyInfosFrom(const_refPtr<classInfo> const& from, wchar_t const
     falseWithoutMemory([&] {
         heldMutex const held(mData->mMutex);
         std::vector<refPtr<metamodel::fieldInfo>> copies;
+        std::unordered_set<std::wstring> names; // of the copies, in lower case
         auto const copyOne = [&](refPtr<metamodel::fieldInfo> const& field) {
             auto const copy = field->copyFor(this, prefixed(prefix, field->scName()));
-            if (!isTaken(*mData, held, copy, copies)) copies.push_back(copy);
+            bool const isFree = !isTaken(*mData, held, copy->scName());
+            if (isFree && names.insert(copy->scName().string().lower()).second) copies.push_back(copy);
             return true;
         };
         from->forEachFieldInfo(copyOne, false);
@@ -289,10 +326,22 @@ refPtr<idInfo> classInfo::idInfo() const {
     for (;;) {
         auto const generation = mData->mIdGeneration.load();
         if (auto known = mData->mIdInfo.get()) return known;
-        // KEEP ID-08: a class without identifying fields is refused here, at every call anew.
-        refPtr<metamodel::idInfo> made(new metamodel::idInfo(identifyingFields()));
+        auto made = collectedIdInfo();
+        if (!made) continue;
         referencePtrLocker const guard;
         if (generation == mData->mIdGeneration && mData->mIdInfo.setIfEmpty(made)) return made;
+    }
+}
+
+// KEEP ID-08: a class without identifying fields is refused here, at every call anew. An empty pointer when a tear-down
+// has taken the class from some of the fields, but not yet from all of them: there are no fields any more then.
+refPtr<idInfo> classInfo::collectedIdInfo() const {
+    auto const fields = identifyingFields();
+    try {
+        return refPtr<metamodel::idInfo>(new metamodel::idInfo(fields));
+    } catch (bool) {
+        if (fields.empty() || countFields() != 0) throw;
+        return nullptr;
     }
 }
 
@@ -301,6 +350,17 @@ void classInfo::onSemanticChanged(refPtr<metamodel::fieldInfo> field) {
     if (field->semantic() != eSemPrimkey) return;
     ++mData->mIdGeneration;
     mData->mIdInfo.clear();
+}
+
+// A set that was collected while the field was no key goes; one that has the field stays the same.
+void classInfo::onKeyRestored(metamodel::fieldInfo const& field) noexcept {
+    {
+        referencePtrLocker const guard; // whoever keeps a set has compared generations under it
+        ++mData->mIdGeneration;
+    }
+    auto const known = mData->mIdInfo.get();
+    auto const isIt = [&field](refPtr<metamodel::fieldInfo> const& each) { return each.get() == &field; };
+    if (known && std::none_of(known->mFields.begin(), known->mFields.end(), isIt)) mData->mIdInfo.clear();
 }
 
 // ---- inheritance
@@ -403,10 +463,12 @@ refPtr<relationInfo> classInfo::relationBetween(refPtr<metamodel::fieldInfo> con
     return found ? found->relation : nullptr;
 }
 
-// Making the relation gives the from field its semantic; when it cannot be filed after that, the former one comes back.
+// Making the relation gives the from field its semantic, so there is room for it by then. When another thread has taken
+// that room, and there is no memory for more, the former semantic comes back.
 template <class Target>
 refPtr<relationInfo> classInfo::createAndFile(refPtr<metamodel::fieldInfo> const& fromField, Target const& target,
                                               eRelationType type, string const& name, string const& reverseName) {
+    if (auto to = classOf(target)) reserveRelation(*mData, *to->mData);
     auto former = fromField->semanticNow();
     refPtr<relationInfo> made(new relationInfo(fromField, target, type, name, reverseName));
     scopeExit restored([&] { fromField->restoreSemantic(std::move(former)); });
@@ -420,15 +482,10 @@ void classInfo::fileRelation(refPtr<relationInfo> const& made) {
     auto const target = made->targetClass();
     auto const from = made->firstFromFieldInfo();
     auto const to = made->toFieldInfo(from);
-    bool const isOwnTarget = target == this;
-    heldMutex own(mData->mMutex, std::defer_lock);
-    heldMutex other(target->mData->mMutex, std::defer_lock);
-    isOwnTarget ? own.lock() : std::lock(own, other);
-    heldMutex const& held = isOwnTarget ? own : other;
-    mData->mToRelations.reserve(own, 1);
-    target->mData->mFromRelations.reserve(held, 1);
-    mData->mToRelations.append(own, {made.get(), from.get(), to.get()});
-    target->mData->mFromRelations.append(held, {made.get()});
+    heldClasses const held(*mData, *target->mData);
+    reserveRelation(*mData, *target->mData);
+    mData->mToRelations.append(held.source(), {made.get(), from.get(), to.get()});
+    target->mData->mFromRelations.append(held.target(), {made.get()});
 }
 
 bool classInfo::forEachToRelation(std::function<bool(refPtr<relationInfo>)> const& visit, bool stopOnFalse) const {

@@ -16,6 +16,7 @@
 #include "parts/enumItems.h"
 #include "parts/fieldSemantics.h"
 #include "parts/fieldTypes.h"
+#include "parts/propertySearch.h"
 #include "zovAssert.h"
 
 namespace zov::metamodel {
@@ -314,8 +315,9 @@ void fieldInfo::setSemantic(eFieldSemantics sem, genericSet const& attribs, stri
     auto const owner = classInfo();
     heldMutex const held = owner ? heldMutex(owner->mData->mMutex) : heldMutex();
     eFieldSemantics const formerSemantic = mData->mSemantic;
-    std::int32_t const formerFlags = mData->mFlags;
+    std::int32_t const addedFlags = sem == eSemPrimkey ? keyFlags & ~mData->mFlags : 0;
     eFieldType const formerType = mData->mType;
+    bool const awaitedIdSet = awaitsIdSet(owner.get());
     try {
         applySemantic(*mData, sem, attribs, semStr);
         mData->mSemanticAttribs = attribs;
@@ -323,20 +325,33 @@ void fieldInfo::setSemantic(eFieldSemantics sem, genericSet const& attribs, stri
     } catch (...) {
         // KEEP FS-14: the text is emptied, not put back, and the attributes stay when telling the class has failed.
         mData->mSemantic = formerSemantic;
-        mData->mFlags = formerFlags;
+        setFlag(mData->mFlags, addedFlags, false);
         mData->mType = formerType;
         mData->setName(&fieldTexts::customSemantic, scString());
+        if (awaitedIdSet) owner->onKeyRestored(*this);
     }
 }
 
-fieldInfo::semanticState fieldInfo::semanticNow() const {
-    return {mData->mSemantic, mData->name(&fieldTexts::customSemantic), mData->mSemanticAttribs};
+// Whether the field is a key and the class's id set still to be collected. Meanwhile it may be collected without it.
+bool fieldInfo::awaitsIdSet(metamodel::classInfo const* owner) const noexcept {
+    return mData->mSemantic == eSemPrimkey && owner && !owner->mData->mIdInfo.get();
 }
 
+fieldInfo::semanticState fieldInfo::semanticNow() const {
+    auto const owner = classInfo();
+    return {mData->mSemantic, mData->name(&fieldTexts::customSemantic), mData->mSemanticAttribs,
+            awaitsIdSet(owner.get())};
+}
+
+// Leaves alone what another thread has set meanwhile.
 void fieldInfo::restoreSemantic(semanticState former) noexcept {
+    auto const owner = classInfo();
+    heldMutex const held = owner ? heldMutex(owner->mData->mMutex) : heldMutex();
+    if (mData->mSemantic != eSemRelation) return;
     mData->mSemantic = former.mSemantic;
     mData->setName(&fieldTexts::customSemantic, former.mCustomSemanticString);
     mData->mSemanticAttribs = std::move(former.mSemanticAttribs);
+    if (owner && former.mAwaitedIdSet) owner->onKeyRestored(*this);
 }
 
 // ---- expressions, condition, equality
@@ -395,8 +410,8 @@ bool fieldInfo::setValueCondition(conditions::condition const* condition) {
 
 conditions::condition const* fieldInfo::valueCondition() const {
     for (fieldInfo const* field = this; field; field = field->mData->mBaseField.get()) {
-        sharedPtr<conditions::condition>* stored = nullptr;
-        if (field->mData->mDefinitions.getValuePtr(definitions::valueCondition, stored)) return stored->get();
+        sharedPtr<conditions::condition> stored; // held while it is looked at: another thread may replace it
+        if (field->mData->mDefinitions.getValue(definitions::valueCondition, stored)) return stored.get();
     }
     return nullptr;
 }

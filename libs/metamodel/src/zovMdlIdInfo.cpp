@@ -12,9 +12,10 @@ namespace zov::metamodel {
 idInfo::idInfo(std::vector<refPtr<fieldInfo>> const& rfields) {
     assertThat(!rfields.empty(), L"rfields.size()>=1", sources::idInfo, 11);
     auto const owner = rfields.front()->classInfo();
-    for (auto const& field : rfields) {
-        if (field->classInfo() != owner) throw false;
-    }
+    bool const isOneClass = std::all_of(rfields.begin() + 1, rfields.end(), [&owner](refPtr<fieldInfo> const& later) {
+        return later->classInfo() == owner;
+    });
+    if (!isOneClass) throw false;
     mFields = rfields;
 }
 

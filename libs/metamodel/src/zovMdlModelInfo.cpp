@@ -23,22 +23,20 @@ bool readCaseRule(string const& text) {
     return caseSensitive;
 }
 
-// The first class in the order of the walk that has the alias.
+// For a name that has just been found to be no class's: the first class in the order of the walk that has it as an
+// alias. A class of that name may have come since, and goes before any alias.
 refPtr<classInfo> findByAlias(classMap const& classes, std::wstring_view name, bool caseSensitive) {
     nameKey const key(name, caseSensitive);
     if (!wasEverAlias(key)) return nullptr;
+    auto const now = classes.snapshot(); // one state of the model for both questions
+    if (classEntry const* const named = now.find(key)) return named->object;
     auto const alias = knownName(name, caseSensitive);
-    auto const now = classes.snapshot();
     classInfo* found = nullptr;
     now.any([&](classEntry const& entry) {
         if (entry.object->hasAliasname(*alias)) found = entry.object;
         return found != nullptr;
     });
-    if (!found) return nullptr;
-    // A class of this name may have come since it was looked for, and goes before any alias.
-    readSection const reading;
-    classEntry const* const named = classes.find(reading, key);
-    return named ? named->object : found;
+    return found;
 }
 
 } // namespace

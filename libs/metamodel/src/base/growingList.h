@@ -5,7 +5,7 @@
 // published ones and publishes a greater size: nothing is copied, and whoever reads goes by the size that he found. A
 // full block is replaced by one of twice the room. The newest block holds the references; a former block that a walk
 // still needs holds the newer one instead, so that what it lists stays alive, and with it what came after the walk
-// began.
+// began. (A block one of whose entries was replaced keeps its own references.)
 //
 // Writers prove with the owner's held mutex that they are alone. Readers work within a section, or on a snapshot.
 //
@@ -192,6 +192,15 @@ public:
     std::size_t size() const noexcept { return mSize; }
     bool empty() const noexcept { return mSize == 0; }
     Head const& head() const noexcept { return mBlock.get()->head; }
+
+    // The first entry with this scrambled key that `matches` accepts, or null.
+    template <class Matches>
+    Entry const* find(std::uint64_t key, Matches const& matches) const noexcept {
+        static_assert(Entry::search == listSearch::byIndex);
+        if (!mBlock) return nullptr;
+        auto const wasThere = [&](Entry const& entry) { return &entry < end() && matches(entry); };
+        return mBlock.get()->findIndexed(mBlock.get()->words, key, wasThere);
+    }
 
 private:
     friend class growingList;

@@ -50,7 +50,8 @@ bool allStripes(IsQuiet const& isQuiet) noexcept {
     return std::all_of(stripes, stripes + used, isQuiet);
 }
 
-// Sections are some hundred instructions long. One that takes longer belongs to a thread that does not run.
+// Most sections are some hundred instructions long. One that takes longer belongs to a thread that does not run, or
+// searches many bases or relations.
 void pause(int round) noexcept {
     constexpr int spins = 64;
     constexpr int yields = 32;

@@ -1,7 +1,7 @@
 // How readers look at published objects without counting them, and how writers free nothing under their eyes.
 //
-//     readSection const reading;                 // reader: what is published now stays alive until the end of the
-//     scope body const* now = published.load();        // with memory_order_seq_cst
+//     readSection const reading;                 // reader: what is published now stays alive until the scope ends
+//     body const* now = published.load();        // with memory_order_seq_cst
 //
 //     body* former = published.exchange(next);   // writer, likewise seq_cst: no new reader finds `former`
 //     waitForReaders();                          // nobody who found it before is still looking
@@ -11,7 +11,8 @@
 // first 48 of the process share lines). It never waits, allocates nothing, and may lie within another one.
 //
 // Within a section nothing may be called that waits, locks, ends objects or belongs to the host: writers wait for its
-// end. Whoever needs an object beyond that counts it before the section ends.
+// end. (The one exception: a search through more than 768 bases asks the allocator for memory.) Whoever needs an object
+// beyond that counts it before the section ends.
 #pragma once
 
 #include <atomic>

@@ -12,7 +12,7 @@
 #include "data/fieldList.h"
 #include "data/relatedClasses.h"
 #include "data/relationLists.h"
-#include "parts/userProperties.h"
+#include "data/userProperties.h"
 #include "zovGenericSet.h"
 #include "zovMdlClassInfo.h"
 #include "zovMdlFieldInfo.h"

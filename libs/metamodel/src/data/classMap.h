@@ -97,6 +97,11 @@ public:
         return false;
     }
 
+    // The class of this name, or null.
+    classEntry const* find(nameKey const& name) const noexcept {
+        return mClasses.find(name.hash(), [&name](classEntry const& entry) { return name.isTextOf(entry.name); });
+    }
+
 private:
     friend class classMap;
     explicit snapshotPtr(list::snapshotPtr classes) noexcept : mClasses(std::move(classes)) {}

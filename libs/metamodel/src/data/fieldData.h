@@ -7,7 +7,7 @@
 
 #include "base/linkSlot.h"
 #include "base/madeWhenNeeded.h"
-#include "parts/userProperties.h"
+#include "data/userProperties.h"
 #include "zovGenericSet.h"
 #include "zovMdlClassInfo.h"
 #include "zovMdlFieldInfo.h"
@@ -66,11 +66,15 @@ enum eFieldFlag : std::int32_t {
     eFlagConstantExpression = 8 // comes into a field by a copy of a whole word only
 };
 
+// What a field becomes with the semantic of a key.
+inline constexpr std::int32_t keyFlags = eFlagMandatory | eFlagUnique;
+
 // A field's semantic with what goes with it, so that a change can be taken back.
 struct fieldInfo::semanticState {
     eFieldSemantics mSemantic;
     scString mCustomSemanticString;
     genericSet mSemanticAttribs;
+    bool mAwaitedIdSet;
 };
 
 } // namespace zov::metamodel

@@ -13,8 +13,9 @@
 
 namespace zov::metamodel {
 
-// The classes that a search has met. Up to 768 of them need no memory of the heap. Beyond that, classes are forgotten
-// when there is no memory: they are searched once more then, and found to be what they were.
+// The classes that a search has met. Up to 768 of them need no memory of the heap. Beyond that, classes are not
+// remembered when there is no memory: they are searched on every way that leads to them then, and found to be what they
+// were.
 class metClasses {
 public:
     // Answers whether the class is new, as far as is known, and remembers it.

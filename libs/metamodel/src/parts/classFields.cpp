@@ -1,7 +1,5 @@
 #include "parts/classFields.h"
 
-#include <algorithm>
-
 #include "base/counting.h"
 #include "parts/baseSearch.h"
 
@@ -87,12 +85,8 @@ refPtr<fieldInfo> addField(classData& owner, heldMutex const& held, refPtr<field
     return nullptr;
 }
 
-bool isTaken(classData& owner, heldMutex const& held, refPtr<fieldInfo> const& added,
-             std::vector<refPtr<fieldInfo>> const& coming) {
-    newName const name(added->scName());
-    if (fieldThatTakes(owner, held, name, false)) return true;
-    return std::any_of(coming.begin(), coming.end(),
-                       [&](refPtr<fieldInfo> const& other) { return differAtMostInCase(other->scName(), name.name); });
+bool isTaken(classData& owner, heldMutex const& held, scString name) {
+    return fieldThatTakes(owner, held, newName(name), false) != nullptr;
 }
 
 void addFields(classData& owner, heldMutex const& held, std::vector<refPtr<fieldInfo>> const& added) {

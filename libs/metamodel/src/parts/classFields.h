@@ -36,9 +36,8 @@ private:
 refPtr<fieldInfo> addField(classData& owner, heldMutex const& held, refPtr<fieldInfo> const& added, newName const& name,
                            bool caseSensitive);
 
-// Whether a field of the class, or one of `coming`, takes the name of the field, letter case apart.
-bool isTaken(classData& owner, heldMutex const& held, refPtr<fieldInfo> const& added,
-             std::vector<refPtr<fieldInfo>> const& coming);
+// Whether a field of the class takes the name, letter case apart.
+bool isTaken(classData& owner, heldMutex const& held, scString name);
 
 // Adds fields whose names are not taken; readers see all of them at once. Throws std::bad_alloc, and nothing has
 // changed.

@@ -101,7 +101,7 @@ scString customName(genericSet const& attribs, string const& semStr) {
 void applySemantic(fieldData& field, eFieldSemantics sem, genericSet const& attribs, string const& semStr) {
     field.mSemantic = sem;
     switch (sem) {
-    case eSemPrimkey: field.mFlags |= eFlagMandatory | eFlagUnique; break;
+    case eSemPrimkey: field.mFlags |= keyFlags; break;
     case eSemDate:
         demandType(field, {{eTimestamp, eDate}, L"mType==eTimestamp || mType==eDate", 613});
         field.mType = eDate;

@@ -61,8 +61,8 @@ T readAs(genericValue const& value) {
 
 template <class T>
 bool isNullAs(genericValue const& value) {
-    T const* const held = value.valuePtr<T>();
-    return isNothing(held ? *held : readAs<T>(value));
+    if (T const* const held = value.valuePtr<T>()) return isNothing(*held); // where it is: no copy of a long text
+    return isNothing(readAs<T>(value));
 }
 
 bool isNullWhenEmpty(genericValue const& value) {

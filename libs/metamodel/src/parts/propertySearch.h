@@ -1,24 +1,14 @@
-// User properties: two sets an owner, one of its own and one that those who inherit from it may see too.
+// The search for a user property, which classes and fields share.
 //
-// Classes and fields differ in one thing only: which kinds of values an owner finds among its own inheritable ones
-// without being asked to search inherited ones. That difference is data here.
+// They differ in one thing only: which kinds of values an owner finds among its own inheritable ones without being
+// asked to search inherited ones. That difference is data here.
 #pragma once
 
-#include <functional>
-
 #include "base/names.h"
-#include "zovGenericSet.h"
+#include "data/userProperties.h"
 #include "zovRefPtr.h"
 
 namespace zov::metamodel {
-
-struct userProperties {
-    genericSet mOwn;
-    genericSet mInheritable;
-
-    genericSet& chosen(bool inheritable) noexcept { return inheritable ? mInheritable : mOwn; }
-    genericSet const& chosen(bool inheritable) const noexcept { return inheritable ? mInheritable : mOwn; }
-};
 
 // What an owner reads of its own inheritable values when inherited ones are not searched.
 struct unaskedReading {
