@@ -98,5 +98,31 @@ TEST(idInner, holdsItsFieldsAndNotItsClass) {
     EXPECT_EQ(log.take(), events());
 }
 
+// behaviour: TH-09, CR-16
+TEST(idInner, isCollectedAnewWhenAKeyWasMissedWhileItsRelationWasNotFiled) {
+    ownClass const part(L"part");
+    auto const a = addField(part, L"a");
+    auto const b = addField(part, L"b");
+    for (auto const& key : {a, b})
+        key->setSemantic(eSemPrimkey, genericSet(), L"");
+    refPtr<idInfo> without;
+    testAccess::giveRelationAndTakeItBack(*a, [&] { without = part->idInfo(); });
+    EXPECT_EQ(without->countFields(), 1u);
+    EXPECT_EQ(a->semantic(), eSemPrimkey);
+    EXPECT_TRUE(part->idInfo()->isEqualTo(testAccess::makeId({a, b}).get()));
+}
+
+// behaviour: CR-16, TH-10
+TEST(idInner, isTheSameWhenItHasTheKeyWhoseRelationWasNotFiled) {
+    ownClass const part(L"part");
+    auto const a = addField(part, L"a");
+    a->setSemantic(eSemPrimkey, genericSet(), L"");
+    auto const id = part->idInfo();
+    testAccess::giveRelationAndTakeItBack(*a, [] {});
+    EXPECT_EQ(part->idInfo(), id);
+    testAccess::giveRelationAndTakeItBack(*a, [&] { a->setSemantic(eSemNone, genericSet(), L""); });
+    EXPECT_EQ(a->semantic(), eSemNone);
+}
+
 } // namespace
 } // namespace zov::metamodel

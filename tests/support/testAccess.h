@@ -1,6 +1,8 @@
 // The friend through which tests reach what hosts cannot see. For tests that link the libraries' objects.
 #pragma once
 
+#include <functional>
+#include <utility>
 #include <vector>
 
 #include "data/classData.h"
@@ -38,6 +40,14 @@ struct testAccess {
     }
     static refPtr<idInfo> makeId(std::vector<refPtr<fieldInfo>> const& fields) {
         return refPtr<idInfo>(new idInfo(fields));
+    }
+
+    // What becomes of a field whose relation could not be filed; `meanwhile` runs before its semantic is taken back.
+    static void giveRelationAndTakeItBack(fieldInfo& target, std::function<void()> const& meanwhile) {
+        auto former = target.semanticNow();
+        target.setSemantic(eSemRelation, genericSet(), L"");
+        meanwhile();
+        target.restoreSemantic(std::move(former));
     }
 
     static relationData& data(relationInfo& target) { return *target.mData; }

@@ -199,6 +199,7 @@ TEST_F(threadsOfRelations, fromOneFieldAreAllThereBesideItsOtherSemantics) {
         for (bool last = false; !last;) {
             last = finished == 2;
             mFromFields[0]->setSemantic(eSemNone, genericSet(), L"");
+            std::this_thread::yield();
         }
     };
     runTogether({creator(L"mine"), creator(L"yours"), other});

@@ -181,6 +181,29 @@ TEST_F(valueUnderTheLocker, isReadAndCopiedByTheThreadThatHoldsIt) {
     runTogether({work(0), work(rounds), work(2 * rounds)});
 }
 
+// Copying it copies the value within, under the lock of the outer one.
+struct crate {
+    genericValue within{17};
+};
+
+// behaviour: GV-33
+TEST(valuesWithinValues, areCopiedByAThreadThatHoldsTheLockerWhileOthersCopyThem) {
+    genericValue const outer{crate()};
+    violations seen;
+    auto const copyOne = [&] {
+        genericValue const copy(outer);
+        auto const* const copied = copy.valuePtr<crate>();
+        int number = 0;
+        seen.check(copied && copied->within.getValue(number) && number == 17);
+    };
+    auto const copy = repeated([&](int) { copyOne(); });
+    auto const copyUnderTheLocker = repeated([&](int) {
+        sharedPtrLocker const guard;
+        copyOne();
+    });
+    runTogether({copy, copy, copyUnderTheLocker});
+}
+
 // ---- values and sets that are replaced while others read them
 
 // behaviour: GV-30, GV-31

@@ -242,7 +242,7 @@ private:
     refPtr<metamodel::fieldInfo> findCreated(std::wstring_view name) const;
     std::vector<refPtr<metamodel::fieldInfo>> identifyingFields() const;
     ZOV_METAMODEL_LOCAL refPtr<metamodel::idInfo> collectedIdInfo() const;
-    // For a field that has become identifying again without having been told of.
+    // For a field that is identifying again, since what was set instead has been taken back.
     ZOV_METAMODEL_LOCAL void onKeyRestored(metamodel::fieldInfo const& field) noexcept;
 
     refPtr<relationInfo> relationBetween(refPtr<metamodel::fieldInfo> const& fromField,

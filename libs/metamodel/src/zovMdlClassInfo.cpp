@@ -76,8 +76,7 @@ private:
 };
 
 // Makes room for a relation in both classes. Throws std::bad_alloc.
-void reserveRelation(classData& source, classData& target) {
-    heldClasses const held(source, target);
+void reserveRelation(heldClasses const& held, classData& source, classData& target) {
     source.mToRelations.reserve(held.source(), 1);
     target.mFromRelations.reserve(held.target(), 1);
 }
@@ -165,7 +164,7 @@ bool classInfo::isAbstract() const {
 }
 
 void classInfo::setAbstract(bool abstract) {
-    setFlag(mData->mFlags, flagAbstract, abstract);
+    setFlags(mData->mFlags, flagAbstract, abstract);
 }
 
 int classInfo::flags() const {
@@ -468,7 +467,7 @@ refPtr<relationInfo> classInfo::relationBetween(refPtr<metamodel::fieldInfo> con
 template <class Target>
 refPtr<relationInfo> classInfo::createAndFile(refPtr<metamodel::fieldInfo> const& fromField, Target const& target,
                                               eRelationType type, string const& name, string const& reverseName) {
-    if (auto to = classOf(target)) reserveRelation(*mData, *to->mData);
+    if (auto to = classOf(target)) reserveRelation(heldClasses(*mData, *to->mData), *mData, *to->mData);
     auto former = fromField->semanticNow();
     refPtr<relationInfo> made(new relationInfo(fromField, target, type, name, reverseName));
     scopeExit restored([&] { fromField->restoreSemantic(std::move(former)); });
@@ -483,7 +482,7 @@ void classInfo::fileRelation(refPtr<relationInfo> const& made) {
     auto const from = made->firstFromFieldInfo();
     auto const to = made->toFieldInfo(from);
     heldClasses const held(*mData, *target->mData);
-    reserveRelation(*mData, *target->mData);
+    reserveRelation(held, *mData, *target->mData);
     mData->mToRelations.append(held.source(), {made.get(), from.get(), to.get()});
     target->mData->mFromRelations.append(held.target(), {made.get()});
 }

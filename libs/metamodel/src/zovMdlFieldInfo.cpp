@@ -190,10 +190,10 @@ bool fieldInfo::isUnique() const noexcept {
     return (mData->mFlags & eFlagUnique) != 0;
 }
 void fieldInfo::setMandatory(bool mandatory) noexcept {
-    setFlag(mData->mFlags, eFlagMandatory, mandatory);
+    setFlags(mData->mFlags, eFlagMandatory, mandatory);
 }
 void fieldInfo::setUnique(bool unique) noexcept {
-    setFlag(mData->mFlags, eFlagUnique, unique);
+    setFlags(mData->mFlags, eFlagUnique, unique);
 }
 int fieldInfo::flags() const noexcept {
     return mData->mFlags;
@@ -325,7 +325,7 @@ void fieldInfo::setSemantic(eFieldSemantics sem, genericSet const& attribs, stri
     } catch (...) {
         // KEEP FS-14: the text is emptied, not put back, and the attributes stay when telling the class has failed.
         mData->mSemantic = formerSemantic;
-        setFlag(mData->mFlags, addedFlags, false);
+        setFlags(mData->mFlags, addedFlags, false);
         mData->mType = formerType;
         mData->setName(&fieldTexts::customSemantic, scString());
         if (awaitedIdSet) owner->onKeyRestored(*this);
@@ -338,12 +338,10 @@ bool fieldInfo::awaitsIdSet(metamodel::classInfo const* owner) const noexcept {
 }
 
 fieldInfo::semanticState fieldInfo::semanticNow() const {
-    auto const owner = classInfo();
-    return {mData->mSemantic, mData->name(&fieldTexts::customSemantic), mData->mSemanticAttribs,
-            awaitsIdSet(owner.get())};
+    return {mData->mSemantic, mData->name(&fieldTexts::customSemantic), mData->mSemanticAttribs};
 }
 
-// Leaves alone what another thread has set meanwhile.
+// What another thread has set meanwhile stays, unless it is a relation's semantic as well.
 void fieldInfo::restoreSemantic(semanticState former) noexcept {
     auto const owner = classInfo();
     heldMutex const held = owner ? heldMutex(owner->mData->mMutex) : heldMutex();
@@ -351,7 +349,7 @@ void fieldInfo::restoreSemantic(semanticState former) noexcept {
     mData->mSemantic = former.mSemantic;
     mData->setName(&fieldTexts::customSemantic, former.mCustomSemanticString);
     mData->mSemanticAttribs = std::move(former.mSemanticAttribs);
-    if (owner && former.mAwaitedIdSet) owner->onKeyRestored(*this);
+    if (owner && former.mSemantic == eSemPrimkey) owner->onKeyRestored(*this);
 }
 
 // ---- expressions, condition, equality
@@ -364,7 +362,7 @@ bool fieldInfo::setConstantExpression(string const& expression) {
     // KEEP FE-03: the flag under which the text is read is cleared with it, but never set.
     if (!expression.empty()) return mData->mDefinitions.setValue(definitions::constantExpression, expression, false);
     mData->mDefinitions.erase(scString::createFrom(definitions::constantExpression));
-    setFlag(mData->mFlags, eFlagConstantExpression, false);
+    setFlags(mData->mFlags, eFlagConstantExpression, false);
     return true;
 }
 
@@ -374,7 +372,7 @@ bool fieldInfo::setAutoExpression(string const& expression) {
     } else {
         mData->mDefinitions.setValue(definitions::autoExpression, expression, false);
     }
-    setFlag(mData->mFlags, eFlagAutoExpression, !expression.empty());
+    setFlags(mData->mFlags, eFlagAutoExpression, !expression.empty());
     return true;
 }
 
@@ -409,9 +407,13 @@ bool fieldInfo::setValueCondition(conditions::condition const* condition) {
 }
 
 conditions::condition const* fieldInfo::valueCondition() const {
+    auto const key = scString::find(definitions::valueCondition);
+    if (!key) return nullptr;
     for (fieldInfo const* field = this; field; field = field->mData->mBaseField.get()) {
-        sharedPtr<conditions::condition> stored; // held while it is looked at: another thread may replace it
-        if (field->mData->mDefinitions.getValue(definitions::valueCondition, stored)) return stored.get();
+        // Counted while it is looked at, since another thread may replace it.
+        auto const stored = std::as_const(field->mData->mDefinitions).genericValue(*key);
+        auto const* const kept = stored ? stored->valuePtr<sharedPtr<conditions::condition>>() : nullptr;
+        if (kept) return kept->get();
     }
     return nullptr;
 }

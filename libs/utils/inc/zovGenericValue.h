@@ -15,7 +15,8 @@
 // one value may be read and written from several threads; pointers and references into it (valuePtr, value()) do
 // not. Assigning to one genericValue object from several threads exchanges under a sharedPtrLocker; copying
 // *from*, and reading, an object that another thread assigns to is safe too. It takes no lock that all share, and waits
-// only while another thread holds a sharedPtrLocker. Moving from a value is for who has it to himself.
+// only while another thread holds a sharedPtrLocker (not for the values within a value). Moving from a value is for who
+// has it to himself.
 //
 // Fails: std::bad_alloc, with both sides as before; and with what copying a T throws.
 #pragma once

@@ -273,8 +273,8 @@ void genericSet::erase(scString const& key) {
 bool genericSet::copyValue(scString const& key, zov::genericValue& out) const {
     record const* const from = mRecord.load(std::memory_order_acquire);
     sharedPtr<zov::genericValue::holderbase> source;
-    std::optional<valuePtr>
-        later; // when another thread holds the sharedPtrLocker, for which nobody waits under the guard
+    // Set when another thread holds the sharedPtrLocker, for which nobody waits under the guard.
+    std::optional<valuePtr> later;
     bool isOther = false;
     bool const isThere = from && from->look(key, [&](valuePtr const& stored) {
         isOther = stored.get() != &out;

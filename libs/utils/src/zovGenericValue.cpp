@@ -18,20 +18,39 @@
 
 namespace zov {
 
+namespace {
+
+// How many values' locks this thread holds, but for those that it only tries.
+ZOV_NEAR_THREAD constinit thread_local unsigned heldValueLocks = 0;
+
+void lockIfAny(spinLockerRecursive* lock) noexcept {
+    if (!lock) return;
+    lock->lock();
+    ++heldValueLocks;
+}
+
+void unlockIfAny(spinLockerRecursive* lock) noexcept {
+    if (!lock) return;
+    --heldValueLocks;
+    lock->unlock();
+}
+
+} // namespace
+
 genericValueHolderLocker::genericValueHolderLocker(spinLockerRecursive* lock) noexcept : mFirst(lock) {
-    mFirst->lock();
+    lockIfAny(mFirst);
 }
 
 genericValueHolderLocker::genericValueHolderLocker(spinLockerRecursive* one, spinLockerRecursive* other) noexcept
     : mFirst(one), mSecond(other) {
     if (std::less<>()(mSecond, mFirst)) std::swap(mFirst, mSecond);
-    if (mFirst) mFirst->lock();
-    if (mSecond) mSecond->lock();
+    lockIfAny(mFirst);
+    lockIfAny(mSecond);
 }
 
 genericValueHolderLocker::~genericValueHolderLocker() {
-    if (mSecond) mSecond->unlock();
-    if (mFirst) mFirst->unlock();
+    unlockIfAny(mSecond);
+    unlockIfAny(mFirst);
 }
 
 spinLockerRecursive* genericValueHolderLocker::createLocker() {
@@ -136,10 +155,12 @@ slotLock& slotLockOf(genericValue const* value) noexcept {
 }
 
 // Takes a slot for reading, unless another thread holds the sharedPtrLocker: of several assignments under one locker
-// nobody else is to see the first ones. Who has just assigned here, and holds the locker still, is seen to hold it.
+// nobody else is to see the first ones. Who has just assigned here, and holds the locker still, is seen to hold it. A
+// thread that holds a value's lock, since it copies a value that has others in it, does not wait: who holds the locker
+// may be waiting for that lock.
 bool lockForReading(slotLock& slot) noexcept {
     slot.lock();
-    if (!sharedLock.isHeldElsewhere()) return true;
+    if (!sharedLock.isHeldElsewhere() || heldValueLocks != 0) return true;
     slot.unlock();
     return false;
 }

@@ -1,5 +1,6 @@
-// A lock of one byte for sections of a few instructions in which nobody waits and no host is called: a list of free
-// cells, a set's entries, a pointer with its counter. Not recursive. Taking it allocates nothing and cannot fail.
+// A lock of one byte for sections of a few instructions in which nobody waits, but for another such lock, and no host
+// is called: a list of free cells, a set's entries, a pointer with its counter. Not recursive. Taking it allocates
+// nothing and cannot fail.
 #pragma once
 
 #include <atomic>

@@ -6,9 +6,9 @@
 
 namespace zov::metamodel {
 
-// Sets or clears one bit; the others stay, whoever changes them meanwhile.
-inline void setFlag(std::atomic<std::int32_t>& flags, std::int32_t bit, bool on) noexcept {
-    on ? flags.fetch_or(bit) : flags.fetch_and(~bit);
+// Sets or clears these bits; the others stay, whoever changes them meanwhile.
+inline void setFlags(std::atomic<std::int32_t>& flags, std::int32_t bits, bool on) noexcept {
+    on ? flags.fetch_or(bits) : flags.fetch_and(~bits);
 }
 
 } // namespace zov::metamodel

@@ -74,7 +74,6 @@ struct fieldInfo::semanticState {
     eFieldSemantics mSemantic;
     scString mCustomSemanticString;
     genericSet mSemanticAttribs;
-    bool mAwaitedIdSet;
 };
 
 } // namespace zov::metamodel
