@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "attempts.h"
+#include "numbered.h"
 #include "zovMetamodel.h"
 
 #include "zovAssert.h"
@@ -26,24 +27,18 @@ using zov::metamodel::eRef;
 using zov::metamodel::fieldInfo;
 using zov::metamodel::modelInfo;
 using zov::metamodel::relationInfo;
+using zov::tests::addField;
 using zov::tests::attempt;
 using zov::tests::attempted;
 using zov::tests::failingAllocations;
 using zov::tests::failureKind;
+using zov::tests::numbered;
 using enum zov::tests::outcome;
-
-string numbered(wchar_t const* stem, int number) {
-    return string(std::wstring(stem) + std::to_wstring(number));
-}
 
 // Names that nobody has interned before, so that interning is among what fails.
 string freshName(wchar_t const* stem) {
     static int made = 0;
     return numbered(stem, ++made) + L"OfTheGrowthFaultTests";
-}
-
-refPtr<fieldInfo> addField(refPtr<classInfo> const& owner, string const& name) {
-    return owner->createFieldInfo(name, eInt, genericSet(), L"");
 }
 
 // ---- the whole of what a host sees

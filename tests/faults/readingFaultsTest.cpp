@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "failingAllocations.h"
+#include "numbered.h"
 #include "zovMetamodel.h"
 
 namespace {
@@ -27,11 +28,9 @@ using zov::metamodel::fieldInfo;
 using zov::metamodel::idInfo;
 using zov::metamodel::modelInfo;
 using zov::metamodel::relationInfo;
+using zov::tests::addField;
 using zov::tests::failingAllocations;
-
-string numbered(wchar_t const* stem, int number) {
-    return string(std::wstring(stem) + std::to_wstring(number));
-}
+using zov::tests::numbered;
 
 // How often a check failed, counted without allocating while nothing may be allocated.
 class silentChecks {
@@ -90,10 +89,6 @@ protected:
     ~readWithoutMemory() override {
         mBase->setUserProperty(L"object", refPtr<refObj>(), true);
         mModel->tearDown();
-    }
-
-    static refPtr<fieldInfo> addField(refPtr<classInfo> const& owner, string const& name) {
-        return owner->createFieldInfo(name, eInt, genericSet(), L"");
     }
 
     void fill(refPtr<classInfo> const& made, int number) {

@@ -7,12 +7,11 @@
 #include <vector>
 
 #include "modelFixture.h"
+#include "numbered.h"
 
 namespace zov::metamodel::tests {
 
-inline string numbered(wchar_t const* stem, std::size_t number) {
-    return string::sformat(L"%s%d", stem, static_cast<int>(number));
-}
+using zov::tests::numbered;
 
 // The same text in capitals, as far as ASCII goes.
 inline string capitals(string text) {

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "numbered.h"
 #include "threadedRuns.h"
 #include "zovAssert.h"
 #include "zovCondition.h"
@@ -31,16 +32,10 @@ using zov::metamodel::eSemPrimkey;
 using zov::metamodel::fieldInfo;
 using zov::metamodel::idInfo;
 using zov::metamodel::modelInfo;
+using zov::tests::addField;
+using zov::tests::numbered;
 using zov::tests::runTogether;
 using zov::tests::violations;
-
-string numbered(wchar_t const* stem, int number) {
-    return string(std::wstring(stem) + std::to_wstring(number));
-}
-
-refPtr<fieldInfo> addField(refPtr<classInfo> const& owner, string const& name) {
-    return owner->createFieldInfo(name, eInt, genericSet(), L"");
-}
 
 void makeKey(refPtr<fieldInfo> const& field) {
     field->setSemantic(eSemPrimkey, genericSet(), L"");

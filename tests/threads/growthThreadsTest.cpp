@@ -13,12 +13,12 @@
 #include <utility>
 #include <vector>
 
+#include "numbered.h"
 #include "threadedRuns.h"
 #include "zovMetamodel.h"
 
 namespace {
 
-using zov::genericSet;
 using zov::refPtr;
 using zov::scString;
 using zov::string;
@@ -29,6 +29,8 @@ using zov::metamodel::eSemRelation;
 using zov::metamodel::fieldInfo;
 using zov::metamodel::modelInfo;
 using zov::metamodel::relationInfo;
+using zov::tests::addField;
+using zov::tests::numbered;
 using zov::tests::runTogether;
 using zov::tests::violations;
 
@@ -36,19 +38,11 @@ using fields = std::vector<refPtr<fieldInfo>>;
 using classes = std::vector<refPtr<classInfo>>;
 using relations = std::vector<refPtr<relationInfo>>;
 
-string numbered(wchar_t const* stem, std::size_t number) {
-    return string(std::wstring(stem) + std::to_wstring(number));
-}
-
 std::vector<string> numberedNames(wchar_t const* stem, std::size_t count) {
     std::vector<string> names;
     for (std::size_t i = 0; i < count; ++i)
         names.push_back(numbered(stem, i));
     return names;
-}
-
-refPtr<fieldInfo> addField(refPtr<classInfo> const& owner, string const& name) {
-    return owner->createFieldInfo(name, eInt, genericSet(), L"");
 }
 
 // Walks, with room made before: a reader that spends its time allocating sees less.
@@ -581,7 +575,7 @@ TEST_F(threadsOfGrowth, threadsThatComeAndGoReadBesideWriters) {
     auto const writer = [&] {
         for (std::size_t at = 0; !finished || at < 100; ++at) {
             if (made < 300) {
-                addField(part, numbered(L"field", made));
+                addField(part, numbered(L"field", made.load()));
                 ++made;
             }
             auto const passing = classInfo::createClassInfo(L"passing");

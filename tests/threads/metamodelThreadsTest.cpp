@@ -15,12 +15,12 @@
 #include <utility>
 #include <vector>
 
+#include "numbered.h"
 #include "threadedRuns.h"
 #include "zovMetamodel.h"
 
 namespace {
 
-using zov::const_refPtr;
 using zov::genericSet;
 using zov::refPtr;
 using zov::scString;
@@ -32,22 +32,16 @@ using zov::metamodel::eSemPrimkey;
 using zov::metamodel::fieldInfo;
 using zov::metamodel::idInfo;
 using zov::metamodel::modelInfo;
+using zov::tests::addField;
+using zov::tests::numbered;
 using zov::tests::runTogether;
 using zov::tests::violations;
-
-string numbered(wchar_t const* stem, int number) {
-    return string(std::wstring(stem) + std::to_wstring(number));
-}
 
 std::vector<string> numberedNames(wchar_t const* stem, int count) {
     std::vector<string> names;
     for (int i = 0; i < count; ++i)
         names.push_back(numbered(stem, i));
     return names;
-}
-
-refPtr<fieldInfo> addField(refPtr<classInfo> const& owner, string const& name) {
-    return owner->createFieldInfo(name, eInt, genericSet(), L"");
 }
 
 std::vector<refPtr<fieldInfo>> fieldsOf(refPtr<classInfo> const& type) {

@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "numbered.h"
 #include "threadedRuns.h"
 #include "zovMetamodel.h"
 #include "zovRefPtr.h"
@@ -19,29 +20,18 @@
 
 namespace {
 
-using zov::const_refPtr;
-using zov::genericSet;
 using zov::refPtr;
 using zov::string;
 using zov::metamodel::classInfo;
-using zov::metamodel::eInt;
 using zov::metamodel::eRef;
-using zov::metamodel::eSemPrimkey;
 using zov::metamodel::fieldInfo;
 using zov::metamodel::modelInfo;
-using zov::metamodel::relationInfo;
+using zov::tests::addField;
+using zov::tests::numbered;
 using zov::tests::runTogether;
 using zov::tests::violations;
 
 constexpr std::chrono::seconds patience{20};
-
-string numbered(wchar_t const* stem, int number) {
-    return string(std::wstring(stem) + std::to_wstring(number));
-}
-
-refPtr<fieldInfo> addField(refPtr<classInfo> const& owner, string const& name) {
-    return owner->createFieldInfo(name, eInt, genericSet(), L"");
-}
 
 // What another thread does, and whether it has done it in time. The thread ends before the object does.
 class anotherThread {

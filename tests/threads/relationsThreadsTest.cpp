@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "numbered.h"
 #include "threadedRuns.h"
 #include "zovAssert.h"
 #include "zovMetamodel.h"
@@ -26,7 +27,6 @@ using zov::scString;
 using zov::string;
 using zov::metamodel::classInfo;
 using zov::metamodel::eAgg;
-using zov::metamodel::eInt;
 using zov::metamodel::ePtr;
 using zov::metamodel::eRef;
 using zov::metamodel::eSemNone;
@@ -34,16 +34,10 @@ using zov::metamodel::eSemRelation;
 using zov::metamodel::fieldInfo;
 using zov::metamodel::modelInfo;
 using zov::metamodel::relationInfo;
+using zov::tests::addField;
+using zov::tests::numbered;
 using zov::tests::runTogether;
 using zov::tests::violations;
-
-string numbered(wchar_t const* stem, int number) {
-    return string(std::wstring(stem) + std::to_wstring(number));
-}
-
-refPtr<fieldInfo> addField(refPtr<classInfo> const& owner, string const& name) {
-    return owner->createFieldInfo(name, eInt, genericSet(), L"");
-}
 
 using relations = std::vector<refPtr<relationInfo>>;
 
