@@ -66,10 +66,10 @@ void addPartsOfClasses(runner& runs, modelSize size) {
     auto const measureNames = [&runs, size](benchmark::State& state) {
         auto const& load = runs.loadOf(size);
         std::vector<string> names;
-        for (auto const& name : load.fieldNames())
+        for (auto const& name : load.fieldNames()) {
             names.push_back(string::fromUtf8(name));
-        for (string const& name : names)
-            scString::createFrom(name.lower());
+            scString::createFrom(names.back().lower());
+        }
         for (auto _ : state)
             measureGrowth(state, size.mClasses, [&](std::size_t number) {
                 for (auto const& field : load.classes()[number].mFields)

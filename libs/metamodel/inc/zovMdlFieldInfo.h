@@ -261,7 +261,6 @@ private:
     refPtr<fieldInfo> copyFor(metamodel::classInfo* owner, string const& name) const;
 
     fieldInfo const& root() const noexcept;
-    ZOV_METAMODEL_LOCAL bool awaitsIdSet(metamodel::classInfo const* owner) const noexcept;
     struct semanticState;
     semanticState semanticNow() const;
     void restoreSemantic(semanticState former) noexcept;

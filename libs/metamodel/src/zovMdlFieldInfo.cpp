@@ -317,7 +317,8 @@ void fieldInfo::setSemantic(eFieldSemantics sem, genericSet const& attribs, stri
     eFieldSemantics const formerSemantic = mData->mSemantic;
     std::int32_t const addedFlags = sem == eSemPrimkey ? keyFlags & ~mData->mFlags : 0;
     eFieldType const formerType = mData->mType;
-    bool const awaitedIdSet = awaitsIdSet(owner.get());
+    // A key whose class's id set is still to be collected: that may be done without it meanwhile.
+    bool const awaitsIdSet = formerSemantic == eSemPrimkey && owner && !owner->mData->mIdInfo.get();
     try {
         applySemantic(*mData, sem, attribs, semStr);
         mData->mSemanticAttribs = attribs;
@@ -328,13 +329,8 @@ void fieldInfo::setSemantic(eFieldSemantics sem, genericSet const& attribs, stri
         setFlags(mData->mFlags, addedFlags, false);
         mData->mType = formerType;
         mData->setName(&fieldTexts::customSemantic, scString());
-        if (awaitedIdSet) owner->onKeyRestored(*this);
+        if (awaitsIdSet) owner->onKeyRestored(*this);
     }
-}
-
-// Whether the field is a key and the class's id set still to be collected. Meanwhile it may be collected without it.
-bool fieldInfo::awaitsIdSet(metamodel::classInfo const* owner) const noexcept {
-    return mData->mSemantic == eSemPrimkey && owner && !owner->mData->mIdInfo.get();
 }
 
 fieldInfo::semanticState fieldInfo::semanticNow() const {
